@@ -1,0 +1,43 @@
+#include "common/messages.h"
+
+#include <cstdio>
+
+namespace quelo {
+
+void StderrMessageBoxes::Show(const std::string& text, const std::string&, MessageIcon) {
+  std::fprintf(stderr, "message: %s\n", text.c_str());
+}
+
+void RecordedMessageBoxes::Show(const std::string& text, const std::string& title,
+                                MessageIcon icon) {
+  entries.push_back({text, title, icon});
+}
+
+std::vector<std::string> RecordedMessageBoxes::Texts() const {
+  std::vector<std::string> out;
+  for (const auto& e : entries) out.push_back(e.text);
+  return out;
+}
+
+namespace {
+StderrMessageBoxes g_stderr_boxes;
+MessageBoxes* g_boxes = &g_stderr_boxes;
+}  // namespace
+
+MessageBoxes& Messages() { return *g_boxes; }
+
+MessageBoxes* SetMessageBoxes(MessageBoxes* boxes) {
+  MessageBoxes* previous = g_boxes;
+  g_boxes = boxes ? boxes : &g_stderr_boxes;
+  return previous;
+}
+
+void MsgBox(const std::string& text, const std::string& title) {
+  Messages().Show(text, title, MessageIcon::kNone);
+}
+
+void WarningBox(const std::string& text, const std::string& title) {
+  Messages().Show(text, title.empty() ? "Warning:" : title, MessageIcon::kExclamation);
+}
+
+}  // namespace quelo

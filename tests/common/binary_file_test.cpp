@@ -1,0 +1,165 @@
+#include "common/binary_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "common/runtime_error.h"
+#include "temp_dir.h"
+
+namespace quelo {
+namespace {
+
+using quelo::testing::ReadAll;
+using quelo::testing::TempDir;
+using quelo::testing::WriteAll;
+
+int ErrorOf(auto&& f) {
+  try {
+    f();
+  } catch (const RuntimeError& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+TEST(BinaryFile, PositionsAreOneBasedAndFieldsLittleEndian) {
+  TempDir dir;
+  const auto path = dir.File("a.bin");
+  {
+    auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
+    EXPECT_EQ(f->Position(), 1);
+    f->WriteLong(0x04030201);
+    f->WriteInteger(-2);
+    f->WriteSingle(1.5f);
+    f->WriteDouble(-0.25);
+    f->WriteFixed("KIVO", 4);
+    EXPECT_EQ(f->Position(), 1 + 4 + 2 + 4 + 8 + 4);
+  }
+  const auto bytes = ReadAll(path);
+  ASSERT_EQ(bytes.size(), 22u);
+  EXPECT_EQ(bytes[0], 1);
+  EXPECT_EQ(bytes[3], 4);
+  EXPECT_EQ(bytes[4], 0xFE);
+  EXPECT_EQ(bytes[5], 0xFF);
+  EXPECT_EQ(std::string(bytes.begin() + 18, bytes.end()), "KIVO");
+
+  auto f = BinaryFile::Open(path, BinaryFile::Access::kRead);
+  f->Seek(5);
+  EXPECT_EQ(f->ReadInteger(), -2);
+  EXPECT_EQ(f->ReadSingle(), 1.5f);
+  EXPECT_EQ(f->ReadDouble(), -0.25);
+  EXPECT_FALSE(f->Eof());
+  EXPECT_EQ(f->ReadFixed(4), "KIVO");
+  EXPECT_TRUE(f->AtEnd());
+}
+
+TEST(BinaryFile, ReadMeetingTheEndSetsEofAndZeroFills) {
+  TempDir dir;
+  const auto path = dir.File("short.bin");
+  WriteAll(path, {0x11, 0x22});
+  auto f = BinaryFile::Open(path, BinaryFile::Access::kRead);
+  EXPECT_EQ(f->ReadLong(), 0x2211);
+  EXPECT_TRUE(f->Eof());
+  f->Seek(1);
+  EXPECT_FALSE(f->Eof());
+  f->ReadBytes(nullptr, 0);
+  EXPECT_FALSE(f->Eof());
+  f->Seek(2);
+  unsigned char b = 0;
+  EXPECT_EQ(f->ReadBytes(&b, 1), 1u);
+  EXPECT_FALSE(f->Eof());
+  EXPECT_TRUE(f->AtEnd());
+}
+
+TEST(BinaryFile, OpeningForWritingKeepsAnExistingTail) {
+  TempDir dir;
+  const auto path = dir.File("tail.bin");
+  WriteAll(path, {1, 2, 3, 4, 5, 6, 7, 8});
+  {
+    auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
+    f->Seek(3);
+    f->WriteInteger(0x0909);
+  }
+  EXPECT_EQ(ReadAll(path), (std::vector<unsigned char>{1, 2, 9, 9, 5, 6, 7, 8}));
+}
+
+TEST(BinaryFile, WritingPastTheEndLeavesZerosInTheGap) {
+  TempDir dir;
+  const auto path = dir.File("gap.bin");
+  {
+    auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
+    f->Seek(5);
+    f->WriteLong(-1);
+    EXPECT_EQ(f->Length(), 8);
+    f->Seek(1);
+    EXPECT_EQ(f->ReadLong(), 0);
+    EXPECT_EQ(f->ReadLong(), -1);
+  }
+  EXPECT_EQ(ReadAll(path).size(), 8u);
+}
+
+TEST(BinaryFile, ReadsSeeWritesNotYetFlushedAcrossManyWindows) {
+  TempDir dir;
+  const auto path = dir.File("big.bin");
+  auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
+  constexpr Long kCount = 100000;  // several buffer windows
+  for (Long i = 0; i < kCount; ++i) f->WriteLong(i * 3);
+  // Overwrite one field in the middle, then read everything back.
+  f->Seek(1 + 4 * 5000);
+  f->WriteLong(-7);
+  f->Seek(1);
+  for (Long i = 0; i < kCount; ++i) {
+    const Long v = f->ReadLong();
+    ASSERT_EQ(v, i == 5000 ? -7 : i * 3) << i;
+  }
+  EXPECT_FALSE(f->Eof());
+  f->ReadLong();
+  EXPECT_TRUE(f->Eof());
+  f->Flush();
+  EXPECT_EQ(ReadAll(path).size(), static_cast<std::size_t>(kCount) * 4);
+}
+
+TEST(BinaryFile, OpenErrorsAreNumbered) {
+  TempDir dir;
+  EXPECT_EQ(ErrorOf([&] { BinaryFile::Open(dir.File("missing"), BinaryFile::Access::kRead); }),
+            kErrFileNotFound);
+  EXPECT_EQ(ErrorOf([&] { BinaryFile::Open(dir.path().string(), BinaryFile::Access::kRead); }),
+            kErrPathFileAccess);
+  EXPECT_EQ(ErrorOf([&] { BinaryFile::Open("", BinaryFile::Access::kRead); }),
+            kErrBadFileNameOrNumber);
+  auto f = BinaryFile::Open(dir.File("x"), BinaryFile::Access::kReadWrite);
+  EXPECT_EQ(ErrorOf([&] { f->Seek(0); }), kErrBadRecordNumber);
+}
+
+TEST(BinaryFile, ReadOnlyFileOpensForReadingAndRefusesWrites) {
+  if (::geteuid() == 0) GTEST_SKIP() << "root may write any file";
+  TempDir dir;
+  const auto path = dir.File("ro.bin");
+  WriteAll(path, {1, 0, 0, 0});
+  ::chmod(path.c_str(), 0444);
+  auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
+  EXPECT_FALSE(f->Writable());
+  EXPECT_EQ(f->ReadLong(), 1);
+  EXPECT_EQ(ErrorOf([&] { f->WriteLong(2); }), kErrBadFileMode);
+}
+
+TEST(FileTable, NumbersAreHandedOutLowestFirst) {
+  TempDir dir;
+  FileTable t;
+  const Integer a = t.FreeFile();
+  EXPECT_EQ(a, 1);
+  t.Open(a, dir.File("a"), BinaryFile::Access::kReadWrite);
+  const Integer b = t.FreeFile();
+  EXPECT_EQ(b, 2);
+  t.Open(b, dir.File("b"), BinaryFile::Access::kReadWrite);
+  EXPECT_EQ(ErrorOf([&] { t.Open(a, dir.File("c"), BinaryFile::Access::kReadWrite); }),
+            kErrFileAlreadyOpen);
+  t.Close(a);
+  EXPECT_EQ(t.FreeFile(), 1);
+  EXPECT_EQ(ErrorOf([&] { t.Get(a); }), kErrBadFileNameOrNumber);
+  t.Close(a);  // closing twice is harmless
+  EXPECT_TRUE(t.IsOpen(b));
+}
+
+}  // namespace
+}  // namespace quelo
