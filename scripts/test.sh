@@ -27,4 +27,5 @@ else
   echo "test.sh: Xvfb did not start; window tests will fail" >&2
 fi
 cd "$root/build"
-ctest --output-on-failure -j "$(nproc)" "$@"
+# Label "slow" (the largest real-world polygons) runs on demand: ctest -L slow
+ctest --output-on-failure -j "$(nproc)" -LE slow "$@"
