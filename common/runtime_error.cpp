@@ -22,6 +22,7 @@ std::string ErrorText(int number) {
     case kErrPermissionDenied: return "Permission denied";
     case kErrPathFileAccess: return "Path/File access error";
     case kErrPathNotFound: return "Path not found";
+    case kErrInvalidPropertyValue: return "Invalid property value";
     case kErrDialogCancel: return "Cancel was selected.";
     default: return "Application-defined or object-defined error";
   }

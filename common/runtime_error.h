@@ -28,6 +28,7 @@ enum ErrorNumber : int {
   kErrPermissionDenied = 70,
   kErrPathFileAccess = 75,
   kErrPathNotFound = 76,
+  kErrInvalidPropertyValue = 380,  // a control property set out of its range
   kErrDialogCancel = 32755,     // the open dialog's cancel
 };
 
