@@ -21,10 +21,10 @@
 //     a name (filters, wraps, env mode, fog mode, gen mode); internal formats 1-4
 //     stay decimal; the GLU winding rule prints by name;
 //   - GLboolean as GL_TRUE / GL_FALSE (other values decimal);
-//   - GLbitfield as bit names joined by "|" in ascending value
-//   (GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT),
-//     0 as 0, all bits as GL_ALL_ATTRIB_BITS / GL_CLIENT_ALL_ATTRIB_BITS, and a
-//     mask with unnamed bits in decimal;
+//   - GLbitfield as bit names in ascending value joined by "|"
+//     (GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT), 0 as 0, all bits as
+//     GL_ALL_ATTRIB_BITS / GL_CLIENT_ALL_ATTRIB_BITS, a mask with unnamed bits
+//     in decimal;
 //   - float and double in the shortest text that reads back to the same value
 //     (std::to_chars): 1, 2.5, -3, 1e+20, inf, nan;
 //   - input arrays as their values in brackets: [1, 0.5, 0, 1]; the count comes
