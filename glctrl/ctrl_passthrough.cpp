@@ -8,7 +8,9 @@
 namespace quelo {
 
 #define QUELO_GL_ENTRY(ret, name, params, args, trace) \
-  ret OpenGL_Ctrl::o##name params { return GL().name args; }
+  ret OpenGL_Ctrl::o##name params {                    \
+    return GL().name args;                             \
+  }
 #define QUELO_GL_ENTRY_RECORDED(ret, name, params, args, trace)
 #include "glctrl/gl_api.list"
 
