@@ -25,6 +25,7 @@
 namespace quelo {
 
 class DrawingSurface;
+class RenderingContext;
 
 class OpenGL_Ctrl {
  public:
@@ -130,7 +131,7 @@ class OpenGL_Ctrl {
   Long init_flags_ = 0;
   Long init_depth_bits_ = 0;
   Long init_color_bits_ = 0;
-  void* rendering_context_ = nullptr;  // owned by the surface that created it
+  RenderingContext* rendering_context_ = nullptr;  // deleted by auxShutDown
   Long initialised_ = 0;               // -1 while initialised
 };
 
