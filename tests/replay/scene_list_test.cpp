@@ -1,0 +1,1 @@
+// Filled once the container writer lands.
