@@ -1,0 +1,217 @@
+// The polygon members: collect a polygon corner by corner into the one
+// program-wide buffer (TessVertices / TessCornerCount), triangulate it with
+// the facetter and draw the triangles with edge flags, so that outlines in
+// GL_LINE mode show the polygon's border and not the cut diagonals.
+//
+// tessEndPoly's handler shows "Error in tessEndPoly" for any run-time error
+// and resumes with the next statement: every statement below that can fail
+// runs inside its own Statement(), and drawing goes on with whatever the
+// failing statement left behind.
+#include "common/colour.h"
+#include "common/messages.h"
+#include "common/numbers.h"
+#include "common/runtime_error.h"
+#include "facet/facetter.h"
+#include "facet/tess_state.h"
+#include "glctrl/gl_dispatch.h"
+#include "glctrl/opengl_ctrl.h"
+#include "scenefile/record_writer.h"
+
+namespace quelo {
+namespace {
+
+// One statement of tessEndPoly under its handler.
+template <class F>
+void Statement(F&& statement) {
+  try {
+    statement();
+  } catch (const RuntimeError&) {
+    MsgBox("Error in tessEndPoly");
+  }
+}
+
+// The upper bound of the triangle list (entry 0 is never drawn).
+Long TriangleUpper() {
+  return static_cast<Long>(FacetTriangles.size()) - 1;
+}
+
+// Corner j (0..2) of triangle i.
+Long CornerOf(Long i, int j) {
+  return FacetTriangles[static_cast<std::size_t>(i)].corner[j];
+}
+
+bool EdgeFlagOf(Long i, int j) {
+  return (FacetTriangles[static_cast<std::size_t>(i)].edge_flags & (1 << j)) != 0;
+}
+
+// GLU tessellator callbacks of auxSetTessCallbacks.
+void GLAPIENTRY TessBeginCallback(GLenum type) {
+  GL().glBegin(type);
+}
+void GLAPIENTRY TessEndCallback() {
+  GL().glEnd();
+}
+void GLAPIENTRY TessVertexCallback(void* vertex_data) {
+  GL().glVertex3dv(static_cast<const GLdouble*>(vertex_data));
+}
+
+}  // namespace
+
+void OpenGL_Ctrl::tessBeginPoly(Integer nEck) {
+  if (SendToFile) WriteTessBeginPolyRecord(Files().Get(FileHnd), nEck);
+  if (DontSendToGL) return;
+  TessCornerCount = nEck;
+  TessVertices.Recreate(nEck);  // zero-filled; a negative count raises 9
+  tess_vertex_counter_ = 0;
+}
+
+void OpenGL_Ctrl::tessVector3d(double X, double Y, double z) {
+  if (SendToFile) WriteTessVector3dRecord(Files().Get(FileHnd), X, Y, z);
+  if (DontSendToGL) return;
+  // The counter goes up first: a corner beyond the announced count raises 9
+  // with the counter already increased.
+  tess_vertex_counter_ = IntAdd(tess_vertex_counter_, 1);
+  TessVertices(1, tess_vertex_counter_) = X;
+  TessVertices(2, tess_vertex_counter_) = Y;
+  TessVertices(3, tess_vertex_counter_) = z;
+}
+
+void OpenGL_Ctrl::tessVector3dv(std::span<const double> v) {
+  // Elements 1 to 3 of the caller's 1-based array; index 0 is not read.
+  auto element = [&v](std::size_t k) {
+    if (k >= v.size()) Raise(kErrSubscript);
+    return v[k];
+  };
+  if (SendToFile) {
+    WriteTessVector3dvRecord(Files().Get(FileHnd), element(1), element(2), element(3));
+  }
+  if (DontSendToGL) return;
+  tess_vertex_counter_ = IntAdd(tess_vertex_counter_, 1);
+  TessVertices(1, tess_vertex_counter_) = element(1);
+  TessVertices(2, tess_vertex_counter_) = element(2);
+  TessVertices(3, tess_vertex_counter_) = element(3);
+}
+
+void OpenGL_Ctrl::tessEndPoly() {
+  if (SendToFile) WriteTessEndPolyRecord(Files().Get(FileHnd));
+  if (DontSendToGL) return;
+  const GLDispatch& gl = GL();
+
+  // Close the ring: corner 0 is the corner before corner 1.
+  for (Long k = 1; k <= 3; ++k) {
+    Statement([k] { TessVertices(k, 0) = TessVertices(k, TessCornerCount); });
+  }
+  tess_vertex_counter_ = 0;
+  Statement([] { RunFacetter(); });
+
+  // The triangles, each corner with the edge flag of the edge leaving it.
+  gl.glBegin(GL_TRIANGLES);
+  const Long upper = TriangleUpper();
+  for (Long i = 1; i <= upper; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      gl.glEdgeFlag(EdgeFlagOf(i, j) ? GL_TRUE : GL_FALSE);
+      Statement([&gl, i, j] {
+        Long c = CornerOf(i, j);
+        gl.glVertex3d(TessVertices(1, c), TessVertices(2, c), TessVertices(3, c));
+      });
+    }
+  }
+  gl.glEnd();
+
+  // The marking inside each triangle. tess_centre_ is Single on purpose: the
+  // centre is rounded to single precision although the corners are Doubles.
+  auto centre = [this](Long i) {
+    for (Long k = 1; k <= 3; ++k) {
+      Statement([this, i, k] {
+        double sum = CheckDouble(TessVertices(k, CornerOf(i, 0)) + TessVertices(k, CornerOf(i, 1)));
+        sum = CheckDouble(sum + TessVertices(k, CornerOf(i, 2)));
+        tess_centre_[k] = CheckSingle(DivDouble(sum, 3.0));
+      });
+    }
+  };
+  // Mode 1 and 2: the triangle shrunk to two thirds about its centre.
+  auto inner_triangles = [&](bool with_edge_flags) {
+    gl.glBegin(GL_TRIANGLES);
+    for (Long i = 1; i <= upper; ++i) {
+      centre(i);
+      for (int j = 0; j < 3; ++j) {
+        if (with_edge_flags) gl.glEdgeFlag(EdgeFlagOf(i, j) ? GL_TRUE : GL_FALSE);
+        Statement([&] {
+          Long c = CornerOf(i, j);
+          auto shrunk = [&](Long k) {
+            double twice = CheckDouble(2.0 * TessVertices(k, c));
+            return DivDouble(CheckDouble(twice + double{tess_centre_[k]}), 3.0);
+          };
+          double x = shrunk(1);
+          double y = shrunk(2);
+          double z = shrunk(3);
+          gl.glVertex3d(x, y, z);
+        });
+      }
+    }
+    gl.glEnd();
+  };
+  // Mode 3 and 4: three strokes from halfway to each corner to the centre.
+  auto strokes = [&] {
+    for (Long i = 1; i <= upper; ++i) {
+      centre(i);
+      gl.glBegin(GL_LINES);
+      for (int j = 0; j < 3; ++j) {
+        Statement([&] {
+          Long c = CornerOf(i, j);
+          auto halfway = [&](Long k) {
+            return DivDouble(CheckDouble(double{tess_centre_[k]} + TessVertices(k, c)), 2.0);
+          };
+          double x = halfway(1);
+          double y = halfway(2);
+          double z = halfway(3);
+          gl.glVertex3d(x, y, z);
+        });
+        gl.glVertex3d(tess_centre_[1], tess_centre_[2], tess_centre_[3]);
+      }
+      gl.glEnd();
+    }
+  };
+  auto marking_colour = [&] {
+    ColourSplit c = SplitColour(TessInTriColor);
+    gl.glColor3f(c.red, c.green, c.blue);  // left in force afterwards
+  };
+
+  if (TessFlag_DoInTri == 1) {
+    marking_colour();
+    inner_triangles(true);
+  } else if (TessFlag_DoInTri == 2) {
+    marking_colour();
+    inner_triangles(false);  // the edge flag in force is the last one set
+  } else if (TessFlag_DoInTri == 3) {
+    marking_colour();
+    strokes();
+  } else if (TessFlag_DoInTri == 4) {
+    marking_colour();
+    gl.glEnable(GL_LINE_STIPPLE);
+    gl.glLineStipple(4, static_cast<GLushort>(0x1111));
+    strokes();
+    gl.glDisable(GL_LINE_STIPPLE);
+  }
+}
+
+// tessEnable(1) stores -1, which is none of the marking modes 1 to 4: the
+// marking stays off. Modes are chosen by assigning TessFlag_DoInTri directly.
+void OpenGL_Ctrl::tessEnable(Long& Flag) {
+  if (Flag == 1) TessFlag_DoInTri = -1;
+}
+
+void OpenGL_Ctrl::tessDisable(Long& Flag) {
+  if (Flag == 1) TessFlag_DoInTri = 0;
+}
+
+void OpenGL_Ctrl::auxSetTessCallbacks(GLUtesselator* pGLUtesselator) {
+  const GLDispatch& gl = GL();
+  gl.gluTessCallback(pGLUtesselator, GLU_TESS_BEGIN,
+                     reinterpret_cast<_GLUfuncptr>(&TessBeginCallback));
+  gl.gluTessCallback(pGLUtesselator, GLU_TESS_END, reinterpret_cast<_GLUfuncptr>(&TessEndCallback));
+  gl.gluTessCallback(pGLUtesselator, GLU_TESS_VERTEX,
+                     reinterpret_cast<_GLUfuncptr>(&TessVertexCallback));
+}
+
+}  // namespace quelo
