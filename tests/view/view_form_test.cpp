@@ -1,0 +1,485 @@
+// The view maths and the redraw, driven through the control models and the
+// tracing GL table: no display, no context.
+#include "view/view_form.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "common/runtime_error.h"
+#include "glctrl/gl_dispatch.h"
+
+namespace quelo {
+namespace {
+
+int ErrorOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const RuntimeError& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+long Count(const std::vector<std::string>& lines, const std::string& prefix) {
+  return std::count_if(lines.begin(), lines.end(),
+                       [&](const std::string& l) { return l.rfind(prefix, 0) == 0; });
+}
+
+// The zoom bar's position for zoom z, by the law written out independently.
+int BarPositionOf(double z, int min, int max) {
+  const double t = (std::log(z) - std::log(double{kZoomMin})) /
+                   (std::log(double{kZoomMax}) - std::log(double{kZoomMin}));
+  return static_cast<int>(std::lround((max - min) * std::clamp(t, 0.0, 1.0) + min));
+}
+
+class ViewTest : public ::testing::Test {
+ protected:
+  void SetUp() override { view.FacePbx.Move(0, 0, 800, 600); }
+
+  void SetRoom(Single x0, Single x1, Single y0, Single y1, Single z0, Single z1) {
+    view.RoomBox = {x0, x1, y0, y1, z0, z1};
+  }
+
+  QueloView view;
+};
+
+// ---- Zoom law ----------------------------------------------------------------
+
+TEST_F(ViewTest, ZoomLawRunsFromZminToZmaxThroughTheGeometricMean) {
+  view.Zoom_Scr.Value(0);
+  EXPECT_FLOAT_EQ(view.GetOrthoZoom(), 0.00216f);
+  view.Zoom_Scr.Value(256);
+  EXPECT_FLOAT_EQ(view.GetOrthoZoom(), 5.4f);
+  view.Zoom_Scr.Value(128);
+  EXPECT_NEAR(view.GetOrthoZoom(), std::sqrt(0.00216 * 5.4), 1e-6);
+  EXPECT_NEAR(view.GetOrthoZoom(), 0.108, 1e-6);
+  // Equal steps multiply the zoom by the same factor.
+  view.Zoom_Scr.Value(16);
+  const double a = view.GetOrthoZoom();
+  view.Zoom_Scr.Value(32);
+  const double b = view.GetOrthoZoom();
+  view.Zoom_Scr.Value(48);
+  EXPECT_NEAR(view.GetOrthoZoom() / b, b / a, 1e-5);
+}
+
+TEST_F(ViewTest, SetOrthoZoomOfGetOrthoZoomLeavesEveryPositionInPlace) {
+  for (int v = 0; v <= 256; ++v) {
+    view.Zoom_Scr.Value(static_cast<Integer>(v));
+    view.SetOrthoZoom(view.GetOrthoZoom());
+    ASSERT_EQ(view.Zoom_Scr.Value(), v);
+  }
+}
+
+TEST_F(ViewTest, SetOrthoZoomHoldsTheBarAtItsEnds) {
+  view.SetOrthoZoom(100.0f);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 256);
+  view.SetOrthoZoom(0.0001f);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 0);
+  view.SetOrthoZoom(1.0f);
+  EXPECT_EQ(view.Zoom_Scr.Value(), BarPositionOf(1.0, 0, 256));
+  EXPECT_EQ(view.Zoom_Scr.Value(), 201);
+}
+
+TEST_F(ViewTest, SetOrthoZoomRoundsHalvesToTheEvenPosition) {
+  // Find a zoom whose single-precision t is exactly one half.
+  float z = 0.1f;
+  bool found = false;
+  for (int i = 0; i < 2000000 && !found; ++i) {
+    const auto t = static_cast<float>((std::log(double{z}) - std::log(double{kZoomMin})) /
+                                      (std::log(double{kZoomMax}) - std::log(double{kZoomMin})));
+    if (t == 0.5f) {
+      found = true;
+    } else {
+      z = std::nextafter(z, t < 0.5f ? 1.0f : 0.0f);
+    }
+  }
+  ASSERT_TRUE(found);
+  view.Zoom_Scr.Max(5);  // 2.5 -> 2
+  view.SetOrthoZoom(z);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 2);
+  view.Zoom_Scr.Max(3);  // 1.5 -> 2
+  view.Zoom_Scr.Value(0);
+  view.SetOrthoZoom(z);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 2);
+  view.Zoom_Scr.Max(1);  // 0.5 -> 0
+  view.SetOrthoZoom(z);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 0);
+}
+
+TEST_F(ViewTest, ZoomLawErrorsAreRunTimeErrors) {
+  EXPECT_EQ(ErrorOf([&] { view.SetOrthoZoom(0.0f); }), kErrInvalidCall);
+  EXPECT_EQ(ErrorOf([&] { view.SetOrthoZoom(-1.0f); }), kErrInvalidCall);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 256);
+  // A bar without a range (the handler would already trip over it).
+  view.Zoom_Scr.Change = nullptr;
+  view.Zoom_Scr.Max(0);
+  EXPECT_NE(ErrorOf([&] { view.GetOrthoZoom(); }), 0);
+  // A range wider than 16 bits overflows.
+  ScrollBarModel& bar = view.Zoom_Scr;
+  bar.Min(-30000);
+  bar.Max(30000);
+  EXPECT_EQ(ErrorOf([&] { view.GetOrthoZoom(); }), kErrOverflow);
+  EXPECT_EQ(ErrorOf([&] { view.SetOrthoZoom(1.0f); }), kErrOverflow);
+}
+
+// ---- Angles ------------------------------------------------------------------
+
+TEST_F(ViewTest, AngleSettersHoldBusyWhileTheBarMoves) {
+  std::vector<bool> busy_seen;
+  view.Hor_Scr.Change = [&] { busy_seen.push_back(view.Busy); };
+  view.Ver_Scr.Change = [&] { busy_seen.push_back(view.Busy); };
+  view.HorAng(90);
+  view.VerAng(-90);
+  EXPECT_EQ(busy_seen, (std::vector<bool>{true, true}));
+  EXPECT_FALSE(view.Busy);
+  EXPECT_EQ(view.HorAng(), 90);
+  EXPECT_EQ(view.VerAng(), -90);
+  EXPECT_EQ(ErrorOf([&] { view.VerAng(91); }), kErrInvalidPropertyValue);
+  EXPECT_FALSE(view.Busy);  // an error does not leave the form deaf
+}
+
+// ---- Rotation and full box ---------------------------------------------------
+
+TEST_F(ViewTest, AtZeroAnglesViewXIsWorldXAndViewYIsWorldZ) {
+  view.HorAng(0);
+  view.VerAng(0);
+  view.prv_BuildViewRot();
+  std::array<Single, 3> p{2, 3, 4};
+  Long status = 7;
+  view.prv_RotatePoint(p, 1, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_FLOAT_EQ(p[0], 2);
+  EXPECT_FLOAT_EQ(p[1], 4);
+  EXPECT_FLOAT_EQ(p[2], -3);
+  view.prv_RotatePoint(p, -1, status);
+  EXPECT_FLOAT_EQ(p[0], 2);
+  EXPECT_FLOAT_EQ(p[1], 3);
+  EXPECT_FLOAT_EQ(p[2], 4);
+}
+
+TEST_F(ViewTest, RotatePointInOtherDirectionsGivesTheOrigin) {
+  view.prv_BuildViewRot();
+  for (Single dir : {0.0f, 2.0f, 0.5f, -2.0f}) {
+    std::array<Single, 3> p{2, 3, 4};
+    Long status = 7;
+    view.prv_RotatePoint(p, dir, status);
+    EXPECT_EQ(p, (std::array<Single, 3>{0, 0, 0})) << dir;
+    EXPECT_EQ(status, 0);
+  }
+}
+
+TEST_F(ViewTest, RotationFollowsTheAnglesAndInvertsByItsTranspose) {
+  view.prv_BuildViewRot();  // 60, 30
+  EXPECT_NEAR(view.ViewRot[1][1], 0.5, 1e-6);
+  EXPECT_NEAR(view.ViewRot[1][2], std::sqrt(3.0) / 2, 1e-6);
+  EXPECT_NEAR(view.ViewRot[2][3], std::sqrt(3.0) / 2, 1e-6);
+  EXPECT_NEAR(view.ViewRot[3][3], 0.5, 1e-6);
+  std::array<Single, 3> p{-7, 2.5f, 11};
+  Long status = 0;
+  view.prv_RotatePoint(p, 1, status);
+  view.prv_RotatePoint(p, -1, status);
+  EXPECT_NEAR(p[0], -7, 1e-5);
+  EXPECT_NEAR(p[1], 2.5, 1e-5);
+  EXPECT_NEAR(p[2], 11, 1e-5);
+}
+
+TEST_F(ViewTest, FullBoxIsTheRotatedRoomBoxInTheViewPlane) {
+  SetRoom(-2, 5, -1, 1, 0, 3);
+  view.HorAng(0);
+  view.VerAng(0);
+  Single x0, x1, y0, y1;
+  view.prv_CompFullBox(x0, x1, y0, y1);
+  EXPECT_FLOAT_EQ(x0, -2);
+  EXPECT_FLOAT_EQ(x1, 5);
+  EXPECT_FLOAT_EQ(y0, 0);
+  EXPECT_FLOAT_EQ(y1, 3);
+  // A quarter turn shows the y extent across.
+  view.HorAng(90);
+  view.prv_CompFullBox(x0, x1, y0, y1);
+  EXPECT_NEAR(x0, -1, 1e-5);
+  EXPECT_NEAR(x1, 1, 1e-5);
+  // Looking down: the plan view shows x and y.
+  view.HorAng(0);
+  view.VerAng(90);
+  view.prv_CompViewBox();
+  EXPECT_NEAR(view.WinXMin, -2, 1e-5);
+  EXPECT_NEAR(view.WinXMax, 5, 1e-5);
+  EXPECT_NEAR(view.WinYMin, -1, 1e-5);
+  EXPECT_NEAR(view.WinYMax, 1, 1e-5);
+}
+
+// ---- Fitting -------------------------------------------------------------------
+
+TEST_F(ViewTest, EmptyRoomBoxIsWidenedToOneUnitAboutTheCentre) {
+  SetRoom(0, 0, 0, 0, 0, 0);
+  view.prv_CompViewBox();
+  EXPECT_EQ(view.WinXMax - view.WinXMin, 0);
+  view.ScaleRoom32();
+  EXPECT_FLOAT_EQ(view.WinXMin, -1);
+  EXPECT_FLOAT_EQ(view.WinXMax, 1);
+  EXPECT_FLOAT_EQ(view.WinYMin, -1);
+  EXPECT_FLOAT_EQ(view.WinYMax, 1);
+  // 800 x 600 widens x to 4/3, then the 20 % margin; y grows upwards.
+  EXPECT_EQ(view.FacePbx.ScaleMode(), kScaleUser);
+  EXPECT_NEAR(view.FacePbx.ScaleLeft(), -1.6, 1e-6);
+  EXPECT_NEAR(view.FacePbx.ScaleWidth(), 3.2, 1e-6);
+  EXPECT_NEAR(view.FacePbx.ScaleTop(), 1.2, 1e-6);
+  EXPECT_NEAR(view.FacePbx.ScaleHeight(), -2.4, 1e-6);
+}
+
+TEST_F(ViewTest, InvertedRangesBecomeMinusOneToOne) {
+  view.WinXMin = 3;
+  view.WinXMax = 2;
+  view.WinYMin = 10;
+  view.WinYMax = 16;
+  view.ScaleRoom32();
+  EXPECT_EQ(view.WinXMin, -1);
+  EXPECT_EQ(view.WinXMax, 1);
+  EXPECT_EQ(view.WinYMin, 10);  // the sound axis is kept
+  EXPECT_EQ(view.WinYMax, 16);
+  view.WinYMin = 1;
+  view.WinYMax = -1;
+  view.WinXMin = 4;
+  view.WinXMax = 4;
+  view.ScaleRoom32();
+  EXPECT_EQ(view.WinYMin, -1);
+  EXPECT_EQ(view.WinYMax, 1);
+  EXPECT_EQ(view.WinXMin, 3);
+  EXPECT_EQ(view.WinXMax, 5);
+}
+
+TEST_F(ViewTest, TinyHalfExtentsBecomeFive) {
+  view.WinXMin = 5;
+  view.WinXMax = 5.00001f;
+  view.WinYMin = -3;
+  view.WinYMax = -2.99999f;
+  view.ScaleRoom32();
+  EXPECT_NEAR(view.FacePbx.ScaleWidth(), 12, 1e-5);
+  EXPECT_NEAR(view.FacePbx.ScaleHeight(), -12, 1e-5);
+  EXPECT_NEAR(view.FacePbx.ScaleLeft(), 5 - 6, 1e-4);
+  EXPECT_NEAR(view.FacePbx.ScaleTop(), -3 + 6, 1e-4);
+  // The rectangle itself is not written back.
+  EXPECT_EQ(view.WinXMax, 5.00001f);
+}
+
+TEST_F(ViewTest, FittingKeepsTheLongerSideAndWidensTheOther) {
+  view.WinXMin = -1;
+  view.WinXMax = 1;
+  view.WinYMin = -10;
+  view.WinYMax = 10;
+  view.ScaleRoom32();  // too tall: x widened to 4/3 x 10
+  EXPECT_NEAR(view.FacePbx.ScaleWidth(), 2.4 * 10 * 4 / 3, 1e-4);
+  EXPECT_NEAR(view.FacePbx.ScaleHeight(), -24, 1e-5);
+  view.WinXMin = -10;
+  view.WinXMax = 10;
+  view.WinYMin = -1;
+  view.WinYMax = 1;
+  view.ScaleRoom32();  // too wide: y widened to 10 / (4/3)
+  EXPECT_NEAR(view.FacePbx.ScaleWidth(), 24, 1e-5);
+  EXPECT_NEAR(view.FacePbx.ScaleHeight(), -2.4 * 7.5, 1e-5);
+  // Mouse positions then arrive in scene units.
+  EXPECT_NEAR(view.FacePbx.ToScaleX(400), 0, 1e-5);
+  EXPECT_NEAR(view.FacePbx.ToScaleY(0), 9, 1e-5);
+}
+
+TEST_F(ViewTest, FittingADrawingAreaWithoutSizeIsARunTimeError) {
+  view.FacePbx.Height(0);
+  EXPECT_EQ(ErrorOf([&] { view.ScaleRoom32(); }), kErrDivisionByZero);
+  view.FacePbx.Move(0, 0, 0, 100);
+  EXPECT_EQ(ErrorOf([&] { view.ScaleRoom32(); }), kErrDivisionByZero);
+}
+
+// ---- Centring and shifting -------------------------------------------------------
+
+TEST_F(ViewTest, CentringKeepsTheSizeAndShiftingMovesAgainstTheOffset) {
+  view.WinXMin = -1;
+  view.WinXMax = 1;
+  view.WinYMin = -2;
+  view.WinYMax = 2;
+  view.ScaleSetCenter32(10, 20);
+  EXPECT_FLOAT_EQ(view.WinXMin, 9);
+  EXPECT_FLOAT_EQ(view.WinXMax, 11);
+  EXPECT_FLOAT_EQ(view.WinYMin, 18);
+  EXPECT_FLOAT_EQ(view.WinYMax, 22);
+  EXPECT_NEAR(view.FacePbx.ToScaleX(400), 10, 1e-4);  // the scale followed
+  view.ScaleShiftCenter32(1, -2);
+  EXPECT_FLOAT_EQ(view.WinXMin, 8);
+  EXPECT_FLOAT_EQ(view.WinXMax, 10);
+  EXPECT_FLOAT_EQ(view.WinYMin, 20);
+  EXPECT_FLOAT_EQ(view.WinYMax, 24);
+  EXPECT_NEAR(view.FacePbx.ToScaleY(300), 22, 1e-4);
+}
+
+// ---- Projection and redraw ------------------------------------------------------
+
+TEST_F(ViewTest, InitViewSetsViewportProjectionAndRotationInOrder) {
+  view.WinXMin = -10;
+  view.WinXMax = 10;
+  view.WinYMin = -1;
+  view.WinYMax = 1;
+  ScopedTracingGL trace;
+  view.InitView();
+  EXPECT_EQ(trace.Lines(), (std::vector<std::string>{
+                               "glClearColor(1, 1, 1, 0)",
+                               "glClear(GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT)",
+                               "glViewport(0, 0, 800, 600)",
+                               "glLoadIdentity()",
+                               "glOrtho(-12, 12, -9, 9, -10000, 10000)",
+                               "glTranslatef(0, 0, 0)",
+                               "glRotatef(-60, 1, 0, 0)",
+                               "glRotatef(300, 0, 0, 1)",
+                               "glEnable(GL_DEPTH_TEST)",
+                           }));
+}
+
+TEST_F(ViewTest, RenderAxesDrawsRedGreenBlueFromMinusOneToTen) {
+  ScopedTracingGL trace;
+  view.RenderAxes();
+  EXPECT_EQ(trace.Lines(), (std::vector<std::string>{
+                               "glColor3f(1, 0, 0)",
+                               "glBegin(GL_LINES)",
+                               "glVertex3f(-1, 0, 0)",
+                               "glVertex3f(10, 0, 0)",
+                               "glEnd()",
+                               "glColor3f(0, 1, 0)",
+                               "glBegin(GL_LINES)",
+                               "glVertex3f(0, -1, 0)",
+                               "glVertex3f(0, 10, 0)",
+                               "glEnd()",
+                               "glColor3f(0, 0, 1)",
+                               "glBegin(GL_LINES)",
+                               "glVertex3f(0, 0, -1)",
+                               "glVertex3f(0, 0, 10)",
+                               "glEnd()",
+                           }));
+}
+
+TEST_F(ViewTest, FreeRenderListsDeletesOnce) {
+  ScopedTracingGL trace;
+  view.RenderIt(true, false);
+  ASSERT_EQ(view.RenderList, 1);
+  trace.Clear();
+  EXPECT_EQ(view.FreeRenderLists(), 0);
+  EXPECT_EQ(view.FreeRenderLists(), 0);
+  EXPECT_EQ(view.RenderList, 0);
+  EXPECT_EQ(trace.Lines(), (std::vector<std::string>{"glDeleteLists(1, 1)"}));
+}
+
+TEST_F(ViewTest, RenderItShowsTheHourglassForEachPass) {
+  std::vector<int> pointers;
+  view.Screen.Mirror = [&] { pointers.push_back(view.Screen.MousePointer()); };
+  ScopedTracingGL trace;
+  view.RenderIt(false, false);
+  EXPECT_EQ(pointers, (std::vector<int>{11, 0}));
+  pointers.clear();
+  view.RenderIt(true, false);
+  EXPECT_EQ(pointers, (std::vector<int>{11, 0, 11, 0}));
+  view.Screen.Mirror = nullptr;
+}
+
+TEST_F(ViewTest, ReloadClearsTheCallersFlagAndBuildsTheListOnce) {
+  ScopedTracingGL trace;
+  bool reload = true, reset = true;
+  view.RenderIt(reload, reset);
+  EXPECT_FALSE(reload);
+  EXPECT_TRUE(reset);
+  const auto lines = trace.Lines();
+  EXPECT_EQ(Count(lines, "glGenLists("), 1);
+  EXPECT_EQ(Count(lines, "glNewList(1, GL_COMPILE)"), 1);
+  EXPECT_EQ(Count(lines, "glEndList()"), 1);
+  EXPECT_EQ(Count(lines, "glCallList(1)"), 2);  // drawn by both passes
+  EXPECT_EQ(Count(lines, "glDisable(GL_LIGHTING)"), 2);
+  // The second pass fitted the (empty) scene at zoom 1.
+  EXPECT_EQ(view.Zoom_Scr.Value(), 201);
+}
+
+TEST_F(ViewTest, ResetAfterARotationShowsTheWholeSceneAtZoomOne) {
+  SetRoom(-3, 40, -5, 2, 0, 9);
+  view.HorAng(150);
+  view.VerAng(10);
+  view.WinXMin = 1;
+  view.WinXMax = 2;
+  view.WinYMin = 1;
+  view.WinYMax = 2;
+  view.Zoom_Scr.Value(40);
+  int zoom_changes = 0;
+  ScopedTracingGL trace;
+  view.RenderIt(false, true);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 201);
+  EXPECT_FALSE(view.Busy);
+  // Every corner of the room lies inside the drawing area's scale.
+  view.prv_BuildViewRot();
+  const Single left = view.FacePbx.ScaleLeft();
+  const Single right = left + view.FacePbx.ScaleWidth();
+  const Single top = view.FacePbx.ScaleTop();
+  const Single bottom = top + view.FacePbx.ScaleHeight();
+  for (int c = 0; c < 8; ++c) {
+    std::array<Single, 3> p{view.RoomBox[c & 1], view.RoomBox[2 + ((c >> 1) & 1)],
+                            view.RoomBox[4 + ((c >> 2) & 1)]};
+    Long status = 0;
+    view.prv_RotatePoint(p, 1, status);
+    EXPECT_GT(p[0], left);
+    EXPECT_LT(p[0], right);
+    EXPECT_GT(p[1], bottom);
+    EXPECT_LT(p[1], top);
+  }
+  // And it fills it: the margin is 20 % of the half-extent on the tighter side.
+  Single x0, x1, y0, y1;
+  view.prv_CompFullBox(x0, x1, y0, y1);
+  EXPECT_FLOAT_EQ(view.WinXMin, x0);
+  EXPECT_FLOAT_EQ(view.WinXMax, x1);
+  EXPECT_NEAR(view.FacePbx.ScaleWidth(), std::max(1.2 * (x1 - x0), 1.2 * (y1 - y0) * 4 / 3), 1e-4);
+  // A plain redraw afterwards leaves the zoom bar alone.
+  view.Zoom_Scr.Change = [&] { ++zoom_changes; };
+  view.RenderIt(false, false);
+  EXPECT_EQ(zoom_changes, 0);
+}
+
+TEST_F(ViewTest, QuarterTurnOfALongNarrowSceneRescalesTheZoomBar) {
+  SetRoom(0, 100, 0, 2, 0, 1);
+  view.HorAng(0);
+  view.VerAng(0);
+  ScopedTracingGL trace;
+  view.RenderIt(false, true);
+  ASSERT_EQ(view.Zoom_Scr.Value(), 201);
+  ASSERT_FLOAT_EQ(view.FullXRange[0], 0);
+  ASSERT_FLOAT_EQ(view.FullXRange[1], 100);
+  const double z_before = view.GetOrthoZoom();
+
+  view.HorAng(90);
+  view.RenderIt(false, false);
+  // Seen from the side the box is 2 wide instead of 100: the zoom shrinks by
+  // the same factor, and the bar's handler has fitted the window to it.
+  const double new_width = double{view.FullXRange[1]} - view.FullXRange[0];
+  EXPECT_NEAR(new_width, 2, 1e-4);
+  EXPECT_EQ(view.Zoom_Scr.Value(), BarPositionOf(z_before * new_width / 100, 0, 256));
+  EXPECT_EQ(view.Zoom_Scr.Value(), 201 - 128);
+  EXPECT_NEAR(view.WinXMax - view.WinXMin, new_width * view.GetOrthoZoom(), 1e-4);
+}
+
+TEST_F(ViewTest, PlainRedrawCostsOneListCallTheAxesAndTheSwap) {
+  ScopedTracingGL trace;
+  view.RenderIt(true, true);
+  trace.Clear();
+  view.RenderIt(false, false);
+  std::vector<std::string> lines = trace.Lines();
+  const auto first = std::find(lines.begin(), lines.end(), "glDisable(GL_LIGHTING)");
+  ASSERT_NE(first, lines.end());
+  const std::vector<std::string> after(first + 1, lines.end());
+  std::vector<std::string> expected{"glCallList(1)"};
+  {
+    ScopedTracingGL axes;
+    view.RenderAxes();
+    for (const auto& l : axes.Lines()) expected.push_back(l);
+  }
+  // The swap of a control without a surface reaches no GL call.
+  EXPECT_EQ(after, expected);
+  EXPECT_EQ(Count(lines, "glNewList("), 0);
+}
+
+}  // namespace
+}  // namespace quelo
