@@ -129,7 +129,9 @@ void OpenGL_Ctrl::auxMakeCurrent() {
   if (ext_hdc_ != nullptr) ext_hdc_->MakeCurrent(rendering_context_);
 }
 
-void OpenGL_Ctrl::auxMakeNoneCurrent() { MakeNoneCurrent(); }
+void OpenGL_Ctrl::auxMakeNoneCurrent() {
+  MakeNoneCurrent();
+}
 
 Long OpenGL_Ctrl::auxShutDown() {
   auxMakeNoneCurrent();

@@ -50,8 +50,8 @@ class FakeSurface : public DrawingSurface {
   static constexpr std::uint32_t kWindowGL =
       PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
 
-  explicit FakeSurface(std::vector<PIXELFORMATDESCRIPTOR> formats =
-                           {Format(kWindowGL | PFD_GENERIC_FORMAT)})
+  explicit FakeSurface(std::vector<PIXELFORMATDESCRIPTOR> formats = {Format(kWindowGL |
+                                                                            PFD_GENERIC_FORMAT)})
       : formats_(std::move(formats)) {}
   ~FakeSurface() override {
     if (CurrentSurface() == this) MakeNoneCurrent();

@@ -86,8 +86,9 @@ void SortFormats(std::vector<FormatCandidate>& candidates) {
                            c.visual_rank, c.swap_rank, p.cAccumBits, p.cAuxBuffers,
                            -int{p.cStencilBits}, p.cAlphaBits, c.srgb);
   };
-  std::stable_sort(candidates.begin(), candidates.end(),
-                   [&](const FormatCandidate& a, const FormatCandidate& b) { return key(a) < key(b); });
+  std::stable_sort(
+      candidates.begin(), candidates.end(),
+      [&](const FormatCandidate& a, const FormatCandidate& b) { return key(a) < key(b); });
 }
 
 void SetPackedShifts(PIXELFORMATDESCRIPTOR& pfd) {

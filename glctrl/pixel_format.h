@@ -112,12 +112,12 @@ PixelFormatSettings ReadPixelFormatSettings(const std::string& directory);
 // descriptor plus what the descriptor cannot say, for the ordering.
 struct FormatCandidate {
   PIXELFORMATDESCRIPTOR pfd;
-  int samples = 0;           // multisample count; 0 for none
-  bool slow = false;         // a caveat (slow or non-conformant)
-  int visual_rank = 0;       // 0 the screen's own kind of visual, higher worse
-  int swap_rank = 0;         // 0 swap keeps the back buffer, 1 undefined, 2 exchange
-  bool srgb = false;         // sRGB-capable
-  int native = 0;            // the platform's own handle or position, carried along
+  int samples = 0;      // multisample count; 0 for none
+  bool slow = false;    // a caveat (slow or non-conformant)
+  int visual_rank = 0;  // 0 the screen's own kind of visual, higher worse
+  int swap_rank = 0;    // 0 swap keeps the back buffer, 1 undefined, 2 exchange
+  bool srgb = false;    // sRGB-capable
+  int native = 0;       // the platform's own handle or position, carried along
 };
 
 // 8 bits per colour channel, a depth buffer of at least 24 bits, no

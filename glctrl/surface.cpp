@@ -37,9 +37,15 @@ bool DrawingSurface::MakeCurrent(RenderingContext* rc) {
   return true;
 }
 
-PaletteHandle DrawingSurface::CreatePalette(const LOGPALETTE&) { return 0; }
-PaletteHandle DrawingSurface::SelectPalette(PaletteHandle, bool) { return 0; }
-int DrawingSurface::RealizePalette() { return 0; }
+PaletteHandle DrawingSurface::CreatePalette(const LOGPALETTE&) {
+  return 0;
+}
+PaletteHandle DrawingSurface::SelectPalette(PaletteHandle, bool) {
+  return 0;
+}
+int DrawingSurface::RealizePalette() {
+  return 0;
+}
 
 DrawingSurface* CurrentSurface() {
   if (g_current_surface == nullptr) return nullptr;

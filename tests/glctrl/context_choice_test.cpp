@@ -1,0 +1,435 @@
+// The control's context members on made-up format tables: the choice of the
+// index with and without KIVOhogl.ini, the descriptor handed to the surface,
+// the palette, and the context lifecycle.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "common/messages.h"
+#include "common/runtime_error.h"
+#include "glctrl/fake_surface.h"
+#include "glctrl/opengl_ctrl.h"
+#include "glctrl/pixel_format.h"
+#include "temp_dir.h"
+
+namespace quelo {
+namespace {
+
+using testing::TempDir;
+using testing::WriteAll;
+
+constexpr std::uint32_t kWin = FakeSurface::kWindowGL;  // window, OpenGL, double
+constexpr std::uint32_t kGeneric = PFD_GENERIC_FORMAT;
+constexpr std::uint32_t kAccel = PFD_GENERIC_FORMAT | PFD_GENERIC_ACCELERATED;
+
+PIXELFORMATDESCRIPTOR F(std::uint32_t flags, int colour = 24, int depth = 24) {
+  return FakeSurface::Format(flags, colour, depth);
+}
+
+std::vector<unsigned char> Longs(std::initializer_list<Long> values) {
+  std::vector<unsigned char> bytes;
+  for (Long v : values) {
+    const auto u = static_cast<std::uint32_t>(v);
+    for (int k = 0; k < 4; ++k) bytes.push_back(static_cast<unsigned char>(u >> (8 * k)));
+  }
+  return bytes;
+}
+
+bool SameDescriptor(const PIXELFORMATDESCRIPTOR& a, const PIXELFORMATDESCRIPTOR& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+class ChoiceTest : public ::testing::Test {
+ protected:
+  ChoiceTest() { ctrl.SettingsDirectory = dir.path().string(); }
+  void Settings(const std::vector<unsigned char>& bytes) {
+    WriteAll(dir.File("KIVOhogl.ini"), bytes);
+  }
+  Long Choose(std::vector<PIXELFORMATDESCRIPTOR> table) {
+    FakeSurface surface(std::move(table));
+    return ctrl.prv_ChoosePixelFormat(surface);
+  }
+
+  TempDir dir;
+  OpenGL_Ctrl ctrl;
+  // 1 single-buffered generic, 2 hardware (no generic bit), 3 plain generic,
+  // 4 generic accelerated, 5 plain generic, 6 generic that cannot draw to a
+  // window, 7 plain generic.
+  std::vector<PIXELFORMATDESCRIPTOR> mixed = {F((kWin & ~PFD_DOUBLEBUFFER) | kGeneric),
+                                              F(kWin),
+                                              F(kWin | kGeneric),
+                                              F(kWin | kAccel),
+                                              F(kWin | kGeneric),
+                                              F((kWin & ~PFD_DRAW_TO_WINDOW) | kGeneric),
+                                              F(kWin | kGeneric)};
+};
+
+TEST_F(ChoiceTest, WithoutSettingsFileTakesFirstPlainGenericEvenWhenHardwareExists) {
+  EXPECT_EQ(Choose(mixed), 3);
+}
+
+TEST_F(ChoiceTest, PreferAcceleratedTakesFirstAcceleratedOfEitherKind) {
+  Settings(Longs({-1, 0}));
+  EXPECT_EQ(Choose(mixed), 2);  // an installable client driver
+  EXPECT_EQ(Choose({F(kWin | kGeneric), F(kWin | kAccel), F(kWin)}), 2);  // generic accelerated
+}
+
+TEST_F(ChoiceTest, PreferAcceleratedFallsBackToFirstPlainGenericThenToOne) {
+  Settings(Longs({-1, 0}));
+  EXPECT_EQ(Choose({F(kWin & ~PFD_DOUBLEBUFFER), F(kWin | kGeneric), F(kWin | kGeneric),
+                    F(kWin | kGeneric)}),
+            2);
+  // No window format at all.
+  EXPECT_EQ(Choose({F(PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER), F(PFD_DRAW_TO_BITMAP | kGeneric)}),
+            1);
+  // The only plain generic one is the last: a fallback must be below the count.
+  EXPECT_EQ(Choose({F(kGeneric), F(PFD_DRAW_TO_BITMAP), F(kWin | kGeneric)}), 1);
+}
+
+TEST_F(ChoiceTest, OnlyMinusOneMeansPreferAccelerated) {
+  for (Long value : {1, -2, 0xFFFF, 0}) {
+    Settings(Longs({value, 0}));
+    EXPECT_EQ(Choose(mixed), 3) << value;
+  }
+}
+
+TEST_F(ChoiceTest, IndexBelowCountIsUsedAsItStandsEvenWithoutWindowSupport) {
+  Settings(Longs({0, 6}));
+  EXPECT_EQ(Choose(mixed), 6);
+  Settings(Longs({-1, 1}));
+  EXPECT_EQ(Choose(mixed), 1);  // single-buffered, and the preference is not asked
+}
+
+TEST_F(ChoiceTest, IndexEqualToCountOrBeyondIsIgnored) {
+  Settings(Longs({0, 7}));
+  EXPECT_EQ(Choose(mixed), 3);
+  Settings(Longs({0, 70}));
+  EXPECT_EQ(Choose(mixed), 3);
+  // With the preference and nothing accelerated, the ignored index still
+  // counts as the remembered fallback, and it is not below the count.
+  Settings(Longs({-1, 3}));
+  EXPECT_EQ(Choose({F(kWin | kGeneric), F(kWin | kGeneric), F(kWin | kGeneric)}), 1);
+}
+
+TEST_F(ChoiceTest, NegativeIndexIsAFallbackBelowTheCount) {
+  Settings(Longs({0, -3}));
+  EXPECT_EQ(Choose(mixed), 3);                // the walk finds a plain generic format first
+  EXPECT_EQ(Choose({F(kWin), F(kWin)}), -3);  // nothing plain: the fallback as it stands
+}
+
+TEST_F(ChoiceTest, ShortFilesCountMissingFieldsAsZero) {
+  for (std::size_t size = 0; size <= 3; ++size) {
+    Settings(std::vector<unsigned char>(size, 0xFF));
+    EXPECT_EQ(Choose(mixed), 3) << size << " bytes";
+  }
+  for (std::size_t size = 4; size <= 7; ++size) {
+    // -1 and the start of index 6: the index is not read from partial bytes.
+    std::vector<unsigned char> bytes = Longs({-1, 6});
+    bytes.resize(size);
+    Settings(bytes);
+    EXPECT_EQ(Choose(mixed), 2) << size << " bytes";
+  }
+  std::vector<unsigned char> longer = Longs({0, 6, 5, -1});
+  Settings(longer);
+  EXPECT_EQ(Choose(mixed), 6);
+}
+
+TEST_F(ChoiceTest, NoFormatsGiveOne) {
+  EXPECT_EQ(Choose({}), 1);
+  Settings(Longs({-1, 1}));
+  EXPECT_EQ(Choose({}), 1);
+}
+
+TEST(SettingsFile, PathAndFields) {
+  EXPECT_EQ(SettingsFilePath("/etc"), "/etc/KIVOhogl.ini");
+  EXPECT_EQ(SettingsFilePath("/etc/"), "/etc/KIVOhogl.ini");
+  EXPECT_EQ(SettingsFilePath(std::string("/etc\0junk", 9)), "/etc/KIVOhogl.ini");
+  TempDir dir;
+  EXPECT_FALSE(ReadPixelFormatSettings(dir.path().string()).file_found);
+  WriteAll(dir.File("KIVOhogl.ini"), Longs({-1, 0x01020304}));
+  const PixelFormatSettings s = ReadPixelFormatSettings(dir.path().string());
+  EXPECT_TRUE(s.file_found);
+  EXPECT_EQ(s.PreferAccelerated, -1);
+  EXPECT_EQ(s.PixelFormatIndex, 0x01020304);
+}
+
+TEST_F(ChoiceTest, UnreadableSettingsFileIsReportedBySetDCPixelFormat) {
+  std::filesystem::create_directory(dir.File("KIVOhogl.ini"));
+  FakeSurface surface(mixed);
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  ctrl.SetDCPixelFormat();
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in SetDCPixelFormat"});
+  EXPECT_EQ(surface.GetPixelFormat(), 0);
+}
+
+// ---- SetDCPixelFormat --------------------------------------------------------
+
+TEST_F(ChoiceTest, TheChosenDescriptorReplacesTheOneBuiltFromProperties) {
+  FakeSurface surface(mixed);
+  ctrl.ExtHDC(&surface);
+  ctrl.SetDCPixelFormat();
+  ASSERT_EQ(surface.log, std::vector<std::string>{"SetPixelFormat(3)"});
+  EXPECT_TRUE(SameDescriptor(surface.set_descriptors[0], mixed[2]));
+  EXPECT_EQ(surface.GetPixelFormat(), 3);
+}
+
+TEST_F(ChoiceTest, PinnedIndexIsSetWithTheDescriptorOfFormatOne) {
+  // The buffer holds what the choice read last: format 1 when it stops early.
+  Settings(Longs({0, 5}));
+  FakeSurface surface(mixed);
+  ctrl.ExtHDC(&surface);
+  ctrl.SetDCPixelFormat();
+  EXPECT_EQ(surface.GetPixelFormat(), 5);
+  ASSERT_EQ(surface.set_descriptors.size(), 1u);
+  EXPECT_TRUE(SameDescriptor(surface.set_descriptors[0], mixed[0]));
+}
+
+TEST_F(ChoiceTest, InitPropertiesChangeNeitherChoiceNorDescriptor) {
+  struct Wish {
+    Long flags, colour, depth;
+  };
+  for (const Wish w : {Wish{0, 0, 0}, Wish{0, 12, 8}, Wish{64, 8, 16}, Wish{4096, 32, 24},
+                       Wish{64 | 4096, 16, 32}}) {
+    FakeSurface surface(mixed);
+    ctrl.ExtHDC(&surface);
+    ctrl.InitFlags(w.flags);
+    ctrl.InitColorBits(w.colour);
+    ctrl.InitDepthBits(w.depth);
+    ctrl.SetDCPixelFormat();
+    EXPECT_EQ(surface.GetPixelFormat(), 3) << w.colour << "/" << w.depth;
+    ASSERT_EQ(surface.set_descriptors.size(), 1u);
+    EXPECT_TRUE(SameDescriptor(surface.set_descriptors[0], mixed[2]));
+  }
+  EXPECT_EQ(ctrl.InitColorBits(), 16);  // stored as given
+  EXPECT_EQ(ctrl.InitDepthBits(), 32);
+}
+
+TEST_F(ChoiceTest, PaletteOf332FormatIsBuiltSelectedAndRealised) {
+  std::vector<PIXELFORMATDESCRIPTOR> table = mixed;
+  table[2] = F(kWin | kGeneric | PFD_NEED_PALETTE, 8, 16);
+  FakeSurface surface(table);
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  ctrl.SetDCPixelFormat();
+  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_EQ(surface.log, (std::vector<std::string>{"SetPixelFormat(3)", "CreatePalette(256)",
+                                                   "SelectPalette(7, false)", "RealizePalette()"}));
+  const LOGPALETTE& pal = surface.palettes.at(0);
+  EXPECT_EQ(pal.palVersion, 0x300);
+  ASSERT_EQ(pal.palPalEntry.size(), 256u);
+  auto rgb = [&](int i) {
+    const PALETTEENTRY& e = pal.palPalEntry[static_cast<std::size_t>(i)];
+    return std::vector<int>{e.peRed, e.peGreen, e.peBlue, e.peFlags};
+  };
+  EXPECT_EQ(rgb(255), (std::vector<int>{255, 255, 255, 0}));
+  EXPECT_EQ(rgb(1), (std::vector<int>{36, 0, 0, 0}));
+  EXPECT_EQ(rgb(8), (std::vector<int>{0, 36, 0, 0}));
+  EXPECT_EQ(rgb(64), (std::vector<int>{0, 0, 85, 0}));
+  EXPECT_EQ(rgb(0x92), (std::vector<int>{72, 72, 170, 0}));
+}
+
+TEST_F(ChoiceTest, RefusedPaletteIsIgnoredSilently) {
+  FakeSurface surface({F(kWin | kGeneric | PFD_NEED_PALETTE, 8)});
+  surface.palette_handle = 0;
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  ctrl.SetDCPixelFormat();
+  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_EQ(surface.log, (std::vector<std::string>{"SetPixelFormat(1)", "CreatePalette(256)"}));
+}
+
+TEST_F(ChoiceTest, NoPaletteWithoutTheNeedPaletteBit) {
+  FakeSurface surface({F(kWin | kGeneric, 8)});
+  ctrl.ExtHDC(&surface);
+  ctrl.SetDCPixelFormat();
+  EXPECT_EQ(surface.log, std::vector<std::string>{"SetPixelFormat(1)"});
+}
+
+TEST(Palette, ArithmeticFaultsAreRunTimeErrors) {
+  auto error_of = [](PIXELFORMATDESCRIPTOR pfd) {
+    try {
+      BuildPalette(pfd);
+    } catch (const RuntimeError& e) {
+      return e.number();
+    }
+    return 0;
+  };
+  PIXELFORMATDESCRIPTOR pfd = FakeSurface::Format(kWin | PFD_NEED_PALETTE, 8);
+  EXPECT_EQ(error_of(pfd), 0);
+  // 2^15 entries do not fit a signed 16-bit count.
+  pfd.cColorBits = 15;
+  EXPECT_EQ(error_of(pfd), kErrOverflow);
+  pfd.cColorBits = 14;
+  EXPECT_EQ(error_of(pfd), kErrOverflow);  // i / 2^0 beyond a byte
+  // 8-bit channels: 255 x 255 overflows the 16-bit product.
+  pfd = FakeSurface::Format(kWin | PFD_NEED_PALETTE, 8);
+  pfd.cRedBits = 8;
+  EXPECT_EQ(error_of(pfd), kErrOverflow);
+  pfd.cRedBits = 7;  // 127 x 255 still fits
+  EXPECT_EQ(error_of(pfd), 0);
+  pfd.cRedBits = 0;
+  EXPECT_EQ(error_of(pfd), kErrDivisionByZero);
+}
+
+TEST_F(ChoiceTest, PaletteOverflowIsReportedAndContextSetUpGoesOn) {
+  FakeSurface surface({F(kWin | kGeneric | PFD_NEED_PALETTE, 16)});
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  EXPECT_TRUE(ctrl.InitRC());
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in SetDCPixelFormat"});
+  EXPECT_EQ(surface.contexts_alive(), 1);
+  ctrl.auxShutDown();
+}
+
+TEST_F(ChoiceTest, FailingPixelFormatCallIsReported) {
+  FakeSurface surface(mixed);
+  surface.fail_set_pixel_format = true;
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  ctrl.SetDCPixelFormat();
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in SetDCPixelFormat"});
+}
+
+// ---- InitRC and the lifecycle ------------------------------------------------
+
+TEST_F(ChoiceTest, InitRCTwiceKeepsOneContextAndHglRCStaysZero) {
+  FakeSurface surface(mixed);
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  EXPECT_EQ(ctrl.hglRC(), 0);
+  EXPECT_TRUE(ctrl.InitRC());
+  EXPECT_TRUE(ctrl.InitRC());
+  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_EQ(surface.contexts_made, 1);
+  EXPECT_EQ(CurrentSurface(), &surface);
+  EXPECT_EQ(ctrl.hglRC(), 0);
+  EXPECT_EQ(surface.log,
+            (std::vector<std::string>{"SetPixelFormat(3)", "CreateContext()", "MakeCurrent(1)",
+                                      "SetPixelFormat(3)", "MakeCurrent(1)"}));
+  EXPECT_EQ(ctrl.auxShutDown(), 0);
+  EXPECT_EQ(surface.contexts_alive(), 0);
+}
+
+TEST_F(ChoiceTest, ContextThatCannotBeMadeShowsMessageAndReturnsEmpty) {
+  FakeSurface surface(mixed);
+  surface.fail_create_context = true;
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  EXPECT_FALSE(ctrl.InitRC());
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Cannot Create Context"});
+  EXPECT_EQ(messages.boxes().entries.at(0).title, "");
+  surface.fail_create_context = false;
+  EXPECT_TRUE(ctrl.InitRC());  // no context was kept, so it is tried again
+  EXPECT_EQ(surface.contexts_made, 1);
+  ctrl.auxShutDown();
+}
+
+TEST_F(ChoiceTest, RunTimeErrorInInitRCIsCaughtByItsHandler) {
+  FakeSurface surface(mixed);
+  surface.throw_in_create_context = true;
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  EXPECT_FALSE(ctrl.InitRC());
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in InitRC"});
+}
+
+TEST_F(ChoiceTest, NoSurfaceGivesBothMessagesAndNoCrash) {
+  ScopedRecordedMessages messages;
+  EXPECT_FALSE(ctrl.InitRC());
+  EXPECT_EQ(messages.Texts(),
+            (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
+}
+
+TEST_F(ChoiceTest, UnusableFallbackIndexFailsThePixelFormatOnly) {
+  Settings(Longs({0, -3}));
+  FakeSurface surface({F(kWin), F(kWin)});
+  ctrl.ExtHDC(&surface);
+  ScopedRecordedMessages messages;
+  EXPECT_FALSE(ctrl.InitRC());  // the fake makes no context without a format
+  EXPECT_EQ(messages.Texts(),
+            (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
+  EXPECT_EQ(surface.log.front(), "SetPixelFormat(-3)");
+}
+
+TEST_F(ChoiceTest, MakeCurrentActsOnlyWhenAnotherSurfaceIsCurrent) {
+  FakeSurface first(mixed), second(mixed);
+  ctrl.ExtHDC(&first);
+  ASSERT_TRUE(ctrl.InitRC());
+  first.log.clear();
+  ctrl.auxMakeCurrent();
+  EXPECT_TRUE(first.log.empty());  // already current
+
+  ctrl.auxMakeNoneCurrent();
+  EXPECT_EQ(CurrentSurface(), nullptr);
+  ctrl.auxMakeCurrent();
+  EXPECT_EQ(first.log,
+            (std::vector<std::string>{"ReleaseCurrent()", "SetPixelFormat(3)", "MakeCurrent(1)"}));
+  EXPECT_EQ(CurrentSurface(), &first);
+
+  // A new device context: its format is set, and the same context goes there.
+  ctrl.ExtHDC(&second);
+  ctrl.auxMakeCurrent();
+  EXPECT_EQ(second.log, (std::vector<std::string>{"SetPixelFormat(3)", "MakeCurrent(1)"}));
+  EXPECT_EQ(CurrentSurface(), &second);
+  EXPECT_EQ(first.current(), nullptr);
+  EXPECT_EQ(first.contexts_made + second.contexts_made, 1);
+
+  EXPECT_EQ(ctrl.auxShutDown(), 0);
+  EXPECT_EQ(ctrl.ExtHDC(), nullptr);
+  EXPECT_EQ(CurrentSurface(), nullptr);
+  EXPECT_EQ(first.contexts_alive(), 0);
+}
+
+TEST_F(ChoiceTest, ShutDownWithoutContextIsHarmless) {
+  FakeSurface surface(mixed);
+  ctrl.ExtHDC(&surface);
+  EXPECT_EQ(ctrl.auxShutDown(), 0);
+  EXPECT_EQ(ctrl.ExtHDC(), nullptr);
+  EXPECT_EQ(ctrl.auxShutDown(), 0);
+}
+
+// ---- The order of the format list ---------------------------------------------
+
+FormatCandidate Candidate(int r, int g, int b, int depth, bool doubled, int samples = 0,
+                          bool slow = false, int native = 0) {
+  FormatCandidate c;
+  c.pfd =
+      NewDescriptor(PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | (doubled ? PFD_DOUBLEBUFFER : 0u));
+  c.pfd.cRedBits = static_cast<std::uint8_t>(r);
+  c.pfd.cGreenBits = static_cast<std::uint8_t>(g);
+  c.pfd.cBlueBits = static_cast<std::uint8_t>(b);
+  c.pfd.cDepthBits = static_cast<std::uint8_t>(depth);
+  c.samples = samples;
+  c.slow = slow;
+  c.native = native;
+  return c;
+}
+
+TEST(FormatOrder, GoodPlainDoubleBufferedFormatsComeFirst) {
+  // A driver's own order: 10-bit, single-buffered and depth-0 configurations
+  // before the plain ones.
+  std::vector<FormatCandidate> list = {
+      Candidate(10, 10, 10, 0, false, 0, false, 1), Candidate(10, 10, 10, 24, true, 0, false, 2),
+      Candidate(8, 8, 8, 0, true, 0, false, 3),     Candidate(8, 8, 8, 24, false, 0, false, 4),
+      Candidate(8, 8, 8, 24, true, 4, false, 5),    Candidate(8, 8, 8, 24, true, 0, true, 6),
+      Candidate(5, 6, 5, 16, true, 0, false, 7),    Candidate(8, 8, 8, 16, true, 0, false, 8),
+      Candidate(8, 8, 8, 32, true, 0, false, 9),    Candidate(8, 8, 8, 24, true, 0, false, 10)};
+  SortFormats(list);
+  std::vector<int> order;
+  for (const auto& c : list) order.push_back(c.native);
+  EXPECT_EQ(order, (std::vector<int>{10, 9, 4, 8, 3, 2, 7, 5, 6, 1}));
+  EXPECT_TRUE(IsGoodPlainFormat(list[0]));
+  EXPECT_TRUE(IsGoodPlainFormat(list[2]));
+  EXPECT_FALSE(IsGoodPlainFormat(list[3]));
+}
+
+TEST(FormatOrder, FlagNamesListEveryBit) {
+  EXPECT_EQ(FlagNames(37), "DRAW_TO_WINDOW|SUPPORT_OPENGL|DOUBLEBUFFER");
+  EXPECT_EQ(FlagNames(0), "0");
+  EXPECT_EQ(FlagNames(PFD_NEED_PALETTE | 0x10000), "NEED_PALETTE|65536");
+}
+
+}  // namespace
+}  // namespace quelo
