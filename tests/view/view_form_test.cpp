@@ -11,6 +11,9 @@
 
 #include "common/runtime_error.h"
 #include "glctrl/gl_dispatch.h"
+#include "scenefile/container_writer.h"
+#include "scenefile/record_writer.h"
+#include "temp_dir.h"
 
 namespace quelo {
 namespace {
@@ -34,6 +37,27 @@ int BarPositionOf(double z, int min, int max) {
   const double t = (std::log(z) - std::log(double{kZoomMin})) /
                    (std::log(double{kZoomMax}) - std::log(double{kZoomMin}));
   return static_cast<int>(std::lround((max - min) * std::clamp(t, 0.0, 1.0) + min));
+}
+
+// A one-view scene: the edges of the box (0..40, 0..2, 0..1) as lines, and
+// the scene's own x axis to 50 in block 0.
+void WriteBoxScene(const std::string& path) {
+  auto f = CreateSceneFile(path);
+  ContainerWriter w(*f);
+  w.AddInfoChunk(1, 1, SceneInfo{});
+  w.BeginGlChunk(1, 1);
+  WriteBlockBeginRecord(*f, 0);
+  WriteBeginRecord(*f, GL_LINES);
+  WriteVertex3fRecord(*f, 0, 0, 0);
+  WriteVertex3fRecord(*f, 50, 0, 0);
+  WriteEndRecord(*f);
+  WriteBlockEndRecord(*f, 0);
+  WriteBeginRecord(*f, GL_LINES);
+  WriteVertex3fRecord(*f, 0, 0, 0);
+  WriteVertex3fRecord(*f, 40, 2, 1);
+  WriteEndRecord(*f);
+  w.EndGlChunk();
+  w.Finish();
 }
 
 class ViewTest : public ::testing::Test {
@@ -461,16 +485,47 @@ TEST_F(ViewTest, QuarterTurnOfALongNarrowSceneRescalesTheZoomBar) {
   EXPECT_NEAR(view.WinXMax - view.WinXMin, new_width * view.GetOrthoZoom(), 1e-4);
 }
 
-TEST_F(ViewTest, PlainRedrawCostsOneListCallTheAxesAndTheSwap) {
+TEST_F(ViewTest, ReloadReadsTheFileWithTheMenuBlockSwitchesAndFitsIt) {
+  testing::TempDir dir;
+  view.SceneFileName = dir.File("box.qgl");
+  WriteBoxScene(view.SceneFileName);
+  view.HorAng(0);
+  view.VerAng(0);
   ScopedTracingGL trace;
   view.RenderIt(true, true);
+  // The scene's own axes are off: the box alone makes the room.
+  EXPECT_EQ(view.RoomBox, (std::array<Single, 6>{0, 40, 0, 2, 0, 1}));
+  EXPECT_FLOAT_EQ(view.WinXMin, 0);
+  EXPECT_FLOAT_EQ(view.WinXMax, 40);
+  EXPECT_FLOAT_EQ(view.WinYMin, 0);
+  EXPECT_FLOAT_EQ(view.WinYMax, 1);
+  EXPECT_EQ(view.Zoom_Scr.Value(), 201);
+
+  view.Utils_AxesOn.Checked(true);
+  view.RenderIt(true, true);
+  EXPECT_EQ(view.RoomBox[1], 50);
+  EXPECT_EQ(Count(trace.Lines(), "glNewList("), 2);
+  EXPECT_EQ(Count(trace.Lines(), "glDeleteLists(1, 1)"), 1);
+}
+
+TEST_F(ViewTest, PlainRedrawCostsOneListCallTheAxesAndTheSwap) {
+  testing::TempDir dir;
+  view.SceneFileName = dir.File("box.qgl");
+  WriteBoxScene(view.SceneFileName);
+  ScopedTracingGL trace;
+  view.RenderIt(true, true);
+  ASSERT_NE(view.RenderList, 0);
+  // Were the file read again, the redraw would fail or make it anew.
+  std::filesystem::remove(view.SceneFileName);
   trace.Clear();
   view.RenderIt(false, false);
+  EXPECT_FALSE(std::filesystem::exists(view.SceneFileName));
+
   std::vector<std::string> lines = trace.Lines();
   const auto first = std::find(lines.begin(), lines.end(), "glDisable(GL_LIGHTING)");
   ASSERT_NE(first, lines.end());
   const std::vector<std::string> after(first + 1, lines.end());
-  std::vector<std::string> expected{"glCallList(1)"};
+  std::vector<std::string> expected{"glCallList(" + std::to_string(view.RenderList) + ")"};
   {
     ScopedTracingGL axes;
     view.RenderAxes();
@@ -479,6 +534,7 @@ TEST_F(ViewTest, PlainRedrawCostsOneListCallTheAxesAndTheSwap) {
   // The swap of a control without a surface reaches no GL call.
   EXPECT_EQ(after, expected);
   EXPECT_EQ(Count(lines, "glNewList("), 0);
+  EXPECT_EQ(Count(lines, "glGenLists("), 0);
 }
 
 }  // namespace
