@@ -81,7 +81,9 @@ class ScopedTracingGL {
  public:
   // Lines are kept for Lines() and, when out is given, also written to it,
   // each followed by '\n'.
-  explicit ScopedTracingGL(std::ostream* out = nullptr);
+  // keep_lines false streams without keeping: a trace of a large scene then
+  // needs no memory of its own.
+  explicit ScopedTracingGL(std::ostream* out = nullptr, bool keep_lines = true);
   ~ScopedTracingGL();
   ScopedTracingGL(const ScopedTracingGL&) = delete;
   ScopedTracingGL& operator=(const ScopedTracingGL&) = delete;
@@ -98,6 +100,7 @@ class ScopedTracingGL {
 
  private:
   std::ostream* out_;
+  bool keep_lines_;
   std::vector<std::string> lines_;
   GLuint next_list_ = 1;
   GLuint next_texture_ = 1;

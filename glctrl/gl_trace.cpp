@@ -406,8 +406,11 @@ const GLDispatch& TracingTable() {
 
 }  // namespace
 
-ScopedTracingGL::ScopedTracingGL(std::ostream* out)
-    : out_(out), previous_table_(SetGLDispatch(&TracingTable())), previous_tracer_(g_tracer) {
+ScopedTracingGL::ScopedTracingGL(std::ostream* out, bool keep_lines)
+    : out_(out),
+      keep_lines_(keep_lines),
+      previous_table_(SetGLDispatch(&TracingTable())),
+      previous_tracer_(g_tracer) {
   g_tracer = this;
 }
 
@@ -418,7 +421,7 @@ ScopedTracingGL::~ScopedTracingGL() {
 
 void ScopedTracingGL::Emit(std::string line) {
   if (out_ != nullptr) *out_ << line << '\n';
-  lines_.push_back(std::move(line));
+  if (keep_lines_) lines_.push_back(std::move(line));
 }
 
 GLuint ScopedTracingGL::GenListNames(GLsizei range) {
