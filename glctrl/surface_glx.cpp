@@ -2,31 +2,92 @@
 
 #include <GL/glxext.h>
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 
 namespace quelo {
 
 namespace {
+
+// Xlib and GLX are loaded at run time: programs that link the control but
+// never open a window (the headless tools) need no X libraries, and a machine
+// without them gets a message.
+#define QUELO_XLIB_FUNCTIONS(F)                                                       \
+  F(XOpenDisplay)                                                                     \
+  F(XCloseDisplay) F(XSync) F(XSetErrorHandler) F(XCreateColormap) F(XFlush) F(XFree) \
+      F(XFreeColormap) F(XGetWindowAttributes) F(XSetWindowColormap) F(XStoreColors)  \
+          F(XVisualIDFromVisual)
+#define QUELO_GLX_FUNCTIONS(F)                                                                 \
+  F(glXCreateNewContext)                                                                       \
+  F(glXCreateWindow) F(glXDestroyContext) F(glXDestroyWindow) F(glXGetCurrentContext)          \
+      F(glXGetCurrentDrawable) F(glXGetFBConfigAttrib) F(glXGetFBConfigs) F(glXGetProcAddress) \
+          F(glXGetVisualFromFBConfig) F(glXMakeContextCurrent) F(glXQueryExtension)            \
+              F(glXQueryExtensionsString) F(glXSwapBuffers)
+
+struct GlxApi {
+  std::string error;  // non-empty: unusable
+#define QUELO_MEMBER(name) decltype(&::name) name = nullptr;
+  QUELO_XLIB_FUNCTIONS(QUELO_MEMBER)
+  QUELO_GLX_FUNCTIONS(QUELO_MEMBER)
+#undef QUELO_MEMBER
+};
+
+void* OpenFirst(std::initializer_list<const char*> names, std::string& tried) {
+  for (const char* name : names) {
+    if (void* lib = dlopen(name, RTLD_NOW | RTLD_GLOBAL)) return lib;
+    tried += tried.empty() ? name : std::string(", ") + name;
+  }
+  return nullptr;
+}
+
+const GlxApi& Api() {
+  static const GlxApi api = [] {
+    GlxApi a;
+    std::string tried;
+    void* x11 = OpenFirst({"libX11.so.6", "libX11.so"}, tried);
+    void* glx = OpenFirst({"libGLX.so.0", "libGL.so.1"}, tried);
+    if (x11 == nullptr || glx == nullptr) {
+      a.error = "X11/GLX is not available: cannot load " + tried;
+      return a;
+    }
+    std::string missing;
+#define QUELO_RESOLVE(lib, name)                                  \
+  a.name = reinterpret_cast<decltype(a.name)>(dlsym(lib, #name)); \
+  if (a.name == nullptr) missing += std::string(" ") + #name;
+#define QUELO_RESOLVE_X(name) QUELO_RESOLVE(x11, name)
+#define QUELO_RESOLVE_GLX(name) QUELO_RESOLVE(glx, name)
+    QUELO_XLIB_FUNCTIONS(QUELO_RESOLVE_X)
+    QUELO_GLX_FUNCTIONS(QUELO_RESOLVE_GLX)
+#undef QUELO_RESOLVE_GLX
+#undef QUELO_RESOLVE_X
+#undef QUELO_RESOLVE
+    if (!missing.empty()) a.error = "X11/GLX is not available: missing" + missing;
+    return a;
+  }();
+  return api;
+}
 
 // Catches the X errors of a few GLX calls instead of letting Xlib's default
 // handler end the program.
 class XErrorTrap {
  public:
   explicit XErrorTrap(Display* display) : display_(display) {
-    XSync(display_, False);
+    Api().XSync(display_, False);
     error_code_ = 0;
-    previous_ = XSetErrorHandler(&XErrorTrap::Handler);
+    previous_ = Api().XSetErrorHandler(&XErrorTrap::Handler);
   }
   ~XErrorTrap() {
-    XSync(display_, False);
-    XSetErrorHandler(previous_);
+    Api().XSync(display_, False);
+    Api().XSetErrorHandler(previous_);
   }
   XErrorTrap(const XErrorTrap&) = delete;
   XErrorTrap& operator=(const XErrorTrap&) = delete;
   // The X error since the trap was set, 0 for none.
   int Error() {
-    XSync(display_, False);
+    Api().XSync(display_, False);
     return error_code_;
   }
 
@@ -66,7 +127,7 @@ void MaskBits(unsigned long mask, std::uint8_t& shift, std::uint8_t& bits) {
 class GlxContext : public RenderingContext {
  public:
   GlxContext(Display* display, GLXContext context) : display_(display), context_(context) {}
-  ~GlxContext() override { glXDestroyContext(display_, context_); }
+  ~GlxContext() override { Api().glXDestroyContext(display_, context_); }
   Display* display() const { return display_; }
   GLXContext context() const { return context_; }
 
@@ -78,12 +139,16 @@ class GlxContext : public RenderingContext {
 }  // namespace
 
 GlxSurface::GlxSurface(Display* display, int screen) : display_(display), screen_(screen) {
+  if (!Api().error.empty()) {
+    error_ = Api().error;
+    return;
+  }
   if (display_ == nullptr) {
     error_ = "no X display";
     return;
   }
   int error_base = 0, event_base = 0;
-  if (!glXQueryExtension(display_, &error_base, &event_base)) {
+  if (!Api().glXQueryExtension(display_, &error_base, &event_base)) {
     error_ = "the X display has no GLX extension";
     return;
   }
@@ -91,25 +156,39 @@ GlxSurface::GlxSurface(Display* display, int screen) : display_(display), screen
   if (formats_.empty()) error_ = "GLX offers no framebuffer configuration for a window";
 }
 
+Display* GlxSurface::OpenDisplay(std::string& error) {
+  if (!Api().error.empty()) {
+    error = Api().error;
+    return nullptr;
+  }
+  Display* display = Api().XOpenDisplay(nullptr);
+  if (display == nullptr) error = "cannot open the X display (is DISPLAY set?)";
+  return display;
+}
+
+void GlxSurface::CloseDisplay(Display* display) {
+  if (display != nullptr && Api().error.empty()) Api().XCloseDisplay(display);
+}
+
 GlxSurface::~GlxSurface() {
   if (CurrentSurface() == this) MakeNoneCurrent();
   DetachWindow();
   if (display_ != nullptr) {
     for (auto& v : visuals_) {
-      if (v.colormap != 0) XFreeColormap(display_, v.colormap);
-      if (v.visual != nullptr) XFree(v.visual);
+      if (v.colormap != 0) Api().XFreeColormap(display_, v.colormap);
+      if (v.visual != nullptr) Api().XFree(v.visual);
     }
-    for (Colormap c : palettes_) XFreeColormap(display_, c);
+    for (Colormap c : palettes_) Api().XFreeColormap(display_, c);
   }
-  if (configs_ != nullptr) XFree(configs_);
+  if (configs_ != nullptr) Api().XFree(configs_);
 }
 
 void GlxSurface::ListFormats() {
-  const char* extensions = glXQueryExtensionsString(display_, screen_);
+  const char* extensions = Api().glXQueryExtensionsString(display_, screen_);
   if (HasWord(extensions, "GLX_MESA_query_renderer")) {
     using QueryRenderer = Bool (*)(Display*, int, int, int, unsigned int*);
     auto query = reinterpret_cast<QueryRenderer>(
-        glXGetProcAddress(reinterpret_cast<const GLubyte*>("glXQueryRendererIntegerMESA")));
+        Api().glXGetProcAddress(reinterpret_cast<const GLubyte*>("glXQueryRendererIntegerMESA")));
     unsigned int accelerated = 1;
     if (query != nullptr &&
         query(display_, screen_, 0, GLX_RENDERER_ACCELERATED_MESA, &accelerated)) {
@@ -122,17 +201,17 @@ void GlxSurface::ListFormats() {
   const int default_class = DefaultVisual(display_, screen_)->c_class;
 
   int n = 0;
-  configs_ = glXGetFBConfigs(display_, screen_, &n);
+  configs_ = Api().glXGetFBConfigs(display_, screen_, &n);
   if (configs_ == nullptr) return;
   for (int i = 0; i < n; ++i) {
     auto get = [&](int attribute) {
       int v = 0;
-      return glXGetFBConfigAttrib(display_, configs_[i], attribute, &v) == Success ? v : 0;
+      return Api().glXGetFBConfigAttrib(display_, configs_[i], attribute, &v) == Success ? v : 0;
     };
     const int render_type = get(GLX_RENDER_TYPE);
     if (!(get(GLX_DRAWABLE_TYPE) & GLX_WINDOW_BIT)) continue;
     if (!(render_type & (GLX_RGBA_BIT | GLX_COLOR_INDEX_BIT))) continue;  // float-only
-    XVisualInfo* visual = glXGetVisualFromFBConfig(display_, configs_[i]);
+    XVisualInfo* visual = Api().glXGetVisualFromFBConfig(display_, configs_[i]);
     if (visual == nullptr) continue;
     const bool rgba = render_type & GLX_RGBA_BIT;
 
@@ -189,7 +268,7 @@ void GlxSurface::ListFormats() {
         (visual->c_class == default_class ? 0 : 2) + (visual->depth == default_depth ? 0 : 1);
     c.srgb = srgb && get(GLX_FRAMEBUFFER_SRGB_CAPABLE_ARB) != 0;
     c.native = i;
-    XFree(visual);
+    Api().XFree(visual);
     formats_.push_back(c);
   }
   SortFormats(formats_);
@@ -210,14 +289,14 @@ int GlxSurface::DescribePixelFormat(int index, PIXELFORMATDESCRIPTOR* pfd) {
 int GlxSurface::FBConfigId(int index) const {
   if (index < 1 || index > static_cast<int>(formats_.size())) return 0;
   int id = 0;
-  glXGetFBConfigAttrib(display_, ConfigOf(index), GLX_FBCONFIG_ID, &id);
+  Api().glXGetFBConfigAttrib(display_, ConfigOf(index), GLX_FBCONFIG_ID, &id);
   return id;
 }
 
 VisualID GlxSurface::VisualIdOf(int index) const {
   if (index < 1 || index > static_cast<int>(formats_.size())) return 0;
   int id = 0;
-  glXGetFBConfigAttrib(display_, ConfigOf(index), GLX_VISUAL_ID, &id);
+  Api().glXGetFBConfigAttrib(display_, ConfigOf(index), GLX_VISUAL_ID, &id);
   return static_cast<VisualID>(id);
 }
 
@@ -225,11 +304,12 @@ GlxSurface::WindowVisual GlxSurface::VisualForFormat(int index) {
   if (index < 1 || index > static_cast<int>(formats_.size())) return {};
   WindowVisual& v = visuals_[static_cast<std::size_t>(index - 1)];
   if (v.visual == nullptr) {
-    v.visual = glXGetVisualFromFBConfig(display_, ConfigOf(index));
+    v.visual = Api().glXGetVisualFromFBConfig(display_, ConfigOf(index));
     if (v.visual == nullptr) return {};
     // A colour-index visual gets a colormap of its own that the palette fills.
     const int alloc = v.visual->c_class == PseudoColor ? AllocAll : AllocNone;
-    v.colormap = XCreateColormap(display_, RootWindow(display_, screen_), v.visual->visual, alloc);
+    v.colormap =
+        Api().XCreateColormap(display_, RootWindow(display_, screen_), v.visual->visual, alloc);
   }
   return v;
 }
@@ -241,7 +321,11 @@ void GlxSurface::AttachWindow(Window window) {
 
 void GlxSurface::DetachWindow() {
   if (CurrentSurface() == this) MakeNoneCurrent();
-  if (glx_window_ != 0) glXDestroyWindow(display_, glx_window_);
+  if (glx_window_ != 0) {
+    // The X window may be gone already; that must not end the program.
+    XErrorTrap trap(display_);
+    Api().glXDestroyWindow(display_, glx_window_);
+  }
   glx_window_ = 0;
   window_ = 0;
   format_ = 0;
@@ -255,13 +339,13 @@ bool GlxSurface::SetPixelFormat(int index, const PIXELFORMATDESCRIPTOR&) {
     return false;
   }
   XWindowAttributes attributes;
-  if (!XGetWindowAttributes(display_, window_, &attributes) ||
-      XVisualIDFromVisual(attributes.visual) != VisualIdOf(index)) {
+  if (!Api().XGetWindowAttributes(display_, window_, &attributes) ||
+      Api().XVisualIDFromVisual(attributes.visual) != VisualIdOf(index)) {
     error_ = "format " + std::to_string(index) + " needs another visual than the window's";
     return false;
   }
   XErrorTrap trap(display_);
-  GLXWindow drawable = glXCreateWindow(display_, ConfigOf(index), window_, nullptr);
+  GLXWindow drawable = Api().glXCreateWindow(display_, ConfigOf(index), window_, nullptr);
   if (trap.Error() != 0 || drawable == 0) {
     error_ = "glXCreateWindow failed for format " + std::to_string(index);
     return false;
@@ -277,9 +361,9 @@ RenderingContext* GlxSurface::CreateContext() {
   const int type = formats_[static_cast<std::size_t>(format_ - 1)].pfd.iPixelType == PFD_TYPE_RGBA
                        ? GLX_RGBA_TYPE
                        : GLX_COLOR_INDEX_TYPE;
-  GLXContext context = glXCreateNewContext(display_, ConfigOf(format_), type, nullptr, True);
+  GLXContext context = Api().glXCreateNewContext(display_, ConfigOf(format_), type, nullptr, True);
   if (trap.Error() != 0 || context == nullptr) {
-    if (context != nullptr) glXDestroyContext(display_, context);
+    if (context != nullptr) Api().glXDestroyContext(display_, context);
     error_ = "glXCreateNewContext failed";
     return nullptr;
   }
@@ -290,7 +374,8 @@ bool GlxSurface::DoMakeCurrent(RenderingContext* rc) {
   auto* context = dynamic_cast<GlxContext*>(rc);
   if (context == nullptr || context->display() != display_ || glx_window_ == 0) return false;
   XErrorTrap trap(display_);
-  const bool ok = glXMakeContextCurrent(display_, glx_window_, glx_window_, context->context());
+  const bool ok =
+      Api().glXMakeContextCurrent(display_, glx_window_, glx_window_, context->context());
   if (trap.Error() != 0 || !ok) {
     error_ = "glXMakeContextCurrent failed";
     return false;
@@ -299,18 +384,19 @@ bool GlxSurface::DoMakeCurrent(RenderingContext* rc) {
 }
 
 void GlxSurface::DoReleaseCurrent() {
-  if (display_ != nullptr) glXMakeContextCurrent(display_, None, None, nullptr);
+  if (display_ != nullptr) Api().glXMakeContextCurrent(display_, None, None, nullptr);
 }
 
 bool GlxSurface::IsCurrentOnPlatform(const RenderingContext* rc) const {
   auto* context = dynamic_cast<const GlxContext*>(rc);
   if (context == nullptr || glx_window_ == 0) return false;
-  return glXGetCurrentContext() == context->context() && glXGetCurrentDrawable() == glx_window_;
+  return Api().glXGetCurrentContext() == context->context() &&
+         Api().glXGetCurrentDrawable() == glx_window_;
 }
 
 bool GlxSurface::SwapBuffers() {
   if (glx_window_ == 0) return false;
-  glXSwapBuffers(display_, glx_window_);
+  Api().glXSwapBuffers(display_, glx_window_);
   return true;
 }
 
@@ -319,7 +405,7 @@ PaletteHandle GlxSurface::CreatePalette(const LOGPALETTE& palette) {
   WindowVisual v = VisualForFormat(format_);
   if (v.visual == nullptr || v.visual->c_class != PseudoColor) return 0;
   XErrorTrap trap(display_);
-  Colormap map = XCreateColormap(display_, window_, v.visual->visual, AllocAll);
+  Colormap map = Api().XCreateColormap(display_, window_, v.visual->visual, AllocAll);
   const int n = std::min<int>(palette.palNumEntries, v.visual->colormap_size);
   std::vector<XColor> colours(static_cast<std::size_t>(std::max(n, 0)));
   for (int i = 0; i < n; ++i) {
@@ -331,9 +417,9 @@ PaletteHandle GlxSurface::CreatePalette(const LOGPALETTE& palette) {
     c.blue = static_cast<unsigned short>(e.peBlue * 257);
     c.flags = DoRed | DoGreen | DoBlue;
   }
-  if (n > 0) XStoreColors(display_, map, colours.data(), n);
+  if (n > 0) Api().XStoreColors(display_, map, colours.data(), n);
   if (trap.Error() != 0) {
-    XFreeColormap(display_, map);
+    Api().XFreeColormap(display_, map);
     return 0;
   }
   palettes_.push_back(map);
@@ -343,14 +429,14 @@ PaletteHandle GlxSurface::CreatePalette(const LOGPALETTE& palette) {
 PaletteHandle GlxSurface::SelectPalette(PaletteHandle palette, bool) {
   if (window_ == 0 || palette == 0) return 0;
   XWindowAttributes attributes;
-  XGetWindowAttributes(display_, window_, &attributes);
-  XSetWindowColormap(display_, window_, static_cast<Colormap>(palette));
+  Api().XGetWindowAttributes(display_, window_, &attributes);
+  Api().XSetWindowColormap(display_, window_, static_cast<Colormap>(palette));
   return static_cast<PaletteHandle>(attributes.colormap);
 }
 
 int GlxSurface::RealizePalette() {
   // The window manager installs the window's colormap; nothing to map here.
-  XFlush(display_);
+  Api().XFlush(display_);
   return 0;
 }
 

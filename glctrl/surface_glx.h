@@ -20,6 +20,10 @@
 //
 // SetPixelFormat then fails for a format whose visual is not the window's.
 // Before the X window goes away, DetachWindow() (or destroy the surface).
+//
+// Xlib and GLX are loaded at run time (libX11.so.6, libGLX.so.0): linking
+// this surface adds no X libraries to a program; without them Error() says
+// so and there are no formats.
 #pragma once
 
 #include <GL/glx.h>
@@ -37,6 +41,10 @@ class GlxSurface : public DrawingSurface {
  public:
   // display is not owned and must outlive the surface and its contexts.
   GlxSurface(Display* display, int screen);
+  // XOpenDisplay(DISPLAY) through the run-time loaded Xlib, for programs that
+  // do not link it; nullptr and a reason when there is none.
+  static Display* OpenDisplay(std::string& error);
+  static void CloseDisplay(Display* display);
   ~GlxSurface() override;
 
   struct WindowVisual {

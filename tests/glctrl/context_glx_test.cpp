@@ -1,0 +1,239 @@
+// The control on real FLTK child windows drawn with GLX (needs an X display;
+// scripts/test.sh starts Xvfb). The window is made with the visual of the
+// chosen format, as the viewer makes its drawing surface.
+#include <gtest/gtest.h>
+
+#define FL_INTERNALS
+#include <FL/Fl.H>
+#include <FL/Fl_Window.H>
+#include <FL/x.H>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "common/messages.h"
+#include "glctrl/gl_dispatch.h"
+#include "glctrl/opengl_ctrl.h"
+#include "glctrl/surface_glx.h"
+#include "temp_dir.h"
+
+namespace quelo {
+namespace {
+
+using testing::TempDir;
+
+// A child window whose X window gets the visual of a GLX format.
+class SurfaceWindow : public Fl_Window {
+ public:
+  SurfaceWindow(int x, int y, int w, int h) : Fl_Window(x, y, w, h) { end(); }
+  void UseVisual(GlxSurface::WindowVisual visual) { visual_ = visual; }
+  void show() override {
+    if (!shown() && visual_.visual != nullptr) {
+      Fl_X::make_xid(this, visual_.visual, visual_.colormap);
+    }
+    Fl_Window::show();
+  }
+  void draw() override {}  // GL draws here, not FLTK
+
+ private:
+  GlxSurface::WindowVisual visual_;
+};
+
+// The colour of the middle pixel of an X window, as the server has it.
+unsigned long MiddlePixel(Window window, int w, int h) {
+  XSync(fl_display, False);
+  XImage* image = XGetImage(fl_display, window, w / 2, h / 2, 1, 1, AllPlanes, ZPixmap);
+  if (image == nullptr) return 0xDEAD;
+  const unsigned long pixel = XGetPixel(image, 0, 0) & 0xFFFFFF;
+  XDestroyImage(image);
+  return pixel;
+}
+
+int CurrentFBConfigId() {
+  int id = 0;
+  glXQueryContext(fl_display, glXGetCurrentContext(), GLX_FBCONFIG_ID, &id);
+  return id;
+}
+
+void Fill(float r, float g, float b) {
+  GL().glClearColor(r, g, b, 1);
+  GL().glClear(GL_COLOR_BUFFER_BIT);
+}
+
+class GlxTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const char* display = std::getenv("DISPLAY");
+    if (display == nullptr || *display == '\0' || !XOpenDisplayWorks()) {
+      const char* required = std::getenv("QUELO_REQUIRE_DISPLAY");
+      if (required != nullptr && std::string(required) == "1") {
+        FAIL() << "no usable X display, and QUELO_REQUIRE_DISPLAY=1";
+      }
+      GTEST_SKIP() << "no X display (DISPLAY unset)";
+    }
+    fl_open_display();
+    ctrl.SettingsDirectory = dir.path().string();
+    top = std::make_unique<Fl_Window>(0, 0, 200, 100, "quelo glx test");
+    first = new SurfaceWindow(0, 0, 100, 100);
+    second = new SurfaceWindow(100, 0, 100, 100);
+    top->end();
+    surface = std::make_unique<GlxSurface>(fl_display, fl_screen);
+    ASSERT_EQ(surface->Error(), "");
+  }
+  void TearDown() override {
+    if (!top) return;
+    ctrl.auxShutDown();
+    // The GLX drawables go before their X windows.
+    other.reset();
+    surface.reset();
+    top->hide();
+    top.reset();
+    Fl::check();
+  }
+
+  static bool XOpenDisplayWorks() {
+    Display* d = XOpenDisplay(nullptr);
+    if (d == nullptr) return false;
+    XCloseDisplay(d);
+    return true;
+  }
+
+  // Shows the windows with the visual of format index and waits until they
+  // are on screen.
+  void ShowWith(int index) {
+    first->UseVisual(surface->VisualForFormat(index));
+    second->UseVisual(surface->VisualForFormat(index));
+    top->show();
+    for (int i = 0; i < 200 && !(first->visible_r() && second->visible_r()); ++i) Fl::wait(0.01);
+    XSync(fl_display, False);
+    Fl::check();
+  }
+
+  TempDir dir;
+  OpenGL_Ctrl ctrl;
+  std::unique_ptr<Fl_Window> top;
+  SurfaceWindow* first = nullptr;  // owned by top
+  SurfaceWindow* second = nullptr;
+  std::unique_ptr<GlxSurface> surface, other;
+};
+
+TEST_F(GlxTest, ChildWindowGetsTheContextOfTheChosenConfiguration) {
+  PIXELFORMATDESCRIPTOR pfd;
+  const int count = surface->DescribePixelFormat(1, &pfd);
+  ASSERT_GT(count, 1);
+  // Format 1 is a plain double-buffered software format.
+  EXPECT_EQ(pfd.dwFlags & (PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER),
+            PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER);
+  EXPECT_EQ(pfd.dwFlags & PFD_GENERIC_FORMAT, surface->Software() ? PFD_GENERIC_FORMAT : 0u);
+  EXPECT_EQ(pfd.cRedBits, 8);
+  EXPECT_GE(pfd.cDepthBits, 24);
+
+  const int index = ctrl.prv_ChoosePixelFormat(*surface);
+  ShowWith(index);
+  surface->AttachWindow(fl_xid(first));
+  ScopedRecordedMessages messages;
+  ctrl.ExtHDC(surface.get());
+  ASSERT_TRUE(ctrl.InitRC());
+  ctrl.auxMakeCurrent();
+  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_EQ(surface->GetPixelFormat(), index);
+  EXPECT_EQ(CurrentSurface(), surface.get());
+  EXPECT_EQ(ctrl.hglRC(), 0);
+  // The configuration GLX really uses, for the context and the drawable.
+  EXPECT_EQ(CurrentFBConfigId(), surface->FBConfigId(index));
+  int drawable_config = 0;
+  glXQueryDrawable(fl_display, glXGetCurrentDrawable(), GLX_FBCONFIG_ID,
+                   reinterpret_cast<unsigned int*>(&drawable_config));
+  EXPECT_EQ(drawable_config, surface->FBConfigId(index));
+
+  GL().glViewport(0, 0, 100, 100);
+  Fill(1, 0, 0);
+  ctrl.fntPrintAt("HALLO", 0, 0, 0);
+  ctrl.oglSwapBuffers();
+  EXPECT_EQ(MiddlePixel(fl_xid(first), 100, 100), 0xFF0000u);
+
+  // A swap without drawing shows the last picture again.
+  ctrl.oglSwapBuffers();
+  EXPECT_EQ(MiddlePixel(fl_xid(first), 100, 100), 0xFF0000u);
+
+  // Another device context: the same context is made current there.
+  RenderingContext* context = CurrentContext();
+  other = std::make_unique<GlxSurface>(fl_display, fl_screen);
+  other->AttachWindow(fl_xid(second));
+  ctrl.ExtHDC(other.get());
+  ctrl.auxMakeCurrent();
+  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_EQ(CurrentSurface(), other.get());
+  EXPECT_EQ(CurrentContext(), context);
+  EXPECT_EQ(other->GetPixelFormat(), index);
+  GL().glViewport(0, 0, 100, 100);
+  Fill(0, 1, 0);
+  ctrl.oglSwapBuffers();
+  EXPECT_EQ(MiddlePixel(fl_xid(second), 100, 100), 0x00FF00u);
+  EXPECT_EQ(MiddlePixel(fl_xid(first), 100, 100), 0xFF0000u);
+
+  // And back, after the context was let go.
+  ctrl.auxMakeNoneCurrent();
+  EXPECT_EQ(glXGetCurrentContext(), nullptr);
+  ctrl.ExtHDC(surface.get());
+  ctrl.auxMakeCurrent();
+  EXPECT_EQ(CurrentSurface(), surface.get());
+  Fill(0, 0, 1);
+  ctrl.oglSwapBuffers();
+  EXPECT_EQ(MiddlePixel(fl_xid(first), 100, 100), 0x0000FFu);
+
+  EXPECT_EQ(ctrl.auxShutDown(), 0);
+  EXPECT_EQ(glXGetCurrentContext(), nullptr);
+  EXPECT_EQ(CurrentSurface(), nullptr);
+  EXPECT_EQ(ctrl.ExtHDC(), nullptr);
+}
+
+TEST_F(GlxTest, SettingsFilePinsAFormat) {
+  // A double-buffered format other than the first, with a visual of its own.
+  PIXELFORMATDESCRIPTOR pfd;
+  const int count = surface->DescribePixelFormat(1, &pfd);
+  int pinned = 0;
+  for (int i = 2; i < count && pinned == 0; ++i) {
+    surface->DescribePixelFormat(i, &pfd);
+    if ((pfd.dwFlags & PFD_DOUBLEBUFFER) && pfd.cDepthBits == 16 &&
+        surface->VisualIdOf(i) != surface->VisualIdOf(1)) {
+      pinned = i;
+    }
+  }
+  ASSERT_NE(pinned, 0);
+  testing::WriteAll(dir.File("KIVOhogl.ini"),
+                    {0, 0, 0, 0, static_cast<unsigned char>(pinned & 0xFF),
+                     static_cast<unsigned char>(pinned >> 8), 0, 0});
+  const int index = ctrl.prv_ChoosePixelFormat(*surface);
+  ASSERT_EQ(index, pinned);
+  ShowWith(index);
+  surface->AttachWindow(fl_xid(first));
+  ctrl.ExtHDC(surface.get());
+  ASSERT_TRUE(ctrl.InitRC());
+  EXPECT_EQ(CurrentFBConfigId(), surface->FBConfigId(pinned));
+  EXPECT_NE(CurrentFBConfigId(), surface->FBConfigId(1));
+  GLint depth = 0;
+  GL().glGetIntegerv(GL_DEPTH_BITS, &depth);
+  EXPECT_EQ(depth, 16);
+}
+
+TEST_F(GlxTest, WindowWithAnotherVisualRefusesTheFormat) {
+  // The window is made for format 1, but the file pins another visual.
+  const VisualID first_visual = surface->VisualIdOf(1);
+  int pinned = 2;
+  while (surface->VisualIdOf(pinned) == first_visual) ++pinned;
+  testing::WriteAll(dir.File("KIVOhogl.ini"),
+                    {0, 0, 0, 0, static_cast<unsigned char>(pinned), 0, 0, 0});
+  ShowWith(1);
+  surface->AttachWindow(fl_xid(first));
+  ctrl.ExtHDC(surface.get());
+  ScopedRecordedMessages messages;
+  EXPECT_FALSE(ctrl.InitRC());
+  EXPECT_EQ(messages.Texts(),
+            (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
+  EXPECT_NE(surface->Error(), "");
+}
+
+}  // namespace
+}  // namespace quelo

@@ -1,0 +1,179 @@
+// Bitmap text through the tracing table: which lists are made, when, and what
+// is called to draw a string.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "common/runtime_error.h"
+#include "glctrl/fake_surface.h"
+#include "glctrl/gl_dispatch.h"
+#include "glctrl/opengl_ctrl.h"
+
+namespace quelo {
+namespace {
+
+long CountPrefix(const std::vector<std::string>& lines, const std::string& prefix) {
+  return std::count_if(lines.begin(), lines.end(),
+                       [&](const std::string& l) { return l.rfind(prefix, 0) == 0; });
+}
+
+// The glBitmap line compiled into list name, or "" when there is none.
+std::string BitmapOfList(const std::vector<std::string>& lines, long name) {
+  const std::string head = "glNewList(" + std::to_string(name) + ", GL_COMPILE)";
+  for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+    if (lines[i] == head) return lines[i + 1];
+  }
+  return "";
+}
+
+// Whether a glBitmap line's byte array holds a set bit.
+bool HasSetBits(const std::string& line) {
+  const auto open = line.find('[');
+  if (open == std::string::npos) return false;
+  std::istringstream bytes(line.substr(open + 1));
+  std::string value;
+  while (std::getline(bytes, value, ',')) {
+    if (std::stoi(value) != 0) return true;
+  }
+  return false;
+}
+
+// The x move of a glBitmap line: its fifth argument.
+double Advance(const std::string& line) {
+  std::istringstream args(line.substr(line.find('(') + 1));
+  std::string value;
+  for (int i = 0; i < 5; ++i) std::getline(args, value, ',');
+  return std::stod(value);
+}
+
+int RunTimeErrorOf(const std::function<void()>& f) {
+  try {
+    f();
+  } catch (const RuntimeError& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+class TextTest : public ::testing::Test {
+ protected:
+  TextTest() {
+    ctrl.ExtHDC(&surface);
+    GL().glGenLists(100);  // so that list names and offsets are told apart
+  }
+  ScopedTracingGL trace;
+  FakeSurface surface;
+  OpenGL_Ctrl ctrl;
+};
+
+TEST_F(TextTest, FntPrintAtMakesItsListsOnceAndCallsTheCharacterCodes) {
+  ctrl.fntPrintAt("HALLO", 0, 0, 0);
+  EXPECT_EQ(ctrl.FontListBase, 101);
+  ctrl.fntPrintAt("A", 1, 2, 3);
+  const auto lines = trace.Lines();
+  EXPECT_EQ(CountPrefix(lines, "glGenLists("), 2);  // the fixture's and the font's
+  EXPECT_EQ(CountPrefix(lines, "glNewList("), 96);
+  EXPECT_EQ(CountPrefix(lines, "glBitmap("), 96);
+  // List base 101 - 32 = 69; "A" (65) calls list 134 = FontListBase + 33.
+  const std::vector<std::string> tail(lines.end() - 3, lines.end());
+  EXPECT_EQ(tail, (std::vector<std::string>{"glListBase(69)", "glRasterPos3f(1, 2, 3)",
+                                            "glCallLists(1, GL_UNSIGNED_BYTE, [65])"}));
+  EXPECT_NE(std::find(lines.begin(), lines.end(),
+                      "glCallLists(5, GL_UNSIGNED_BYTE, [72, 65, 76, 76, 79])"),
+            lines.end());
+  EXPECT_EQ(BitmapOfList(lines, 101 + 96), "");  // nothing beyond the 96
+}
+
+TEST_F(TextTest, GlyphListsHoldBitmapsThatAdvance) {
+  ctrl.fntPrintAt("x", 0, 0, 0);
+  const auto lines = trace.Lines();
+  // The space: no pixels, but it moves the raster position on.
+  const std::string space = BitmapOfList(lines, 101);
+  EXPECT_FALSE(HasSetBits(space)) << space;
+  EXPECT_GT(Advance(space), 2) << space;
+  // "A" has pixels, is wider than the space, and has no vertical move.
+  const std::string a = BitmapOfList(lines, 101 + 33);
+  EXPECT_TRUE(HasSetBits(a)) << a;
+  EXPECT_GT(Advance(a), Advance(space)) << a;
+  EXPECT_NE(a.find(", 0, ["), std::string::npos) << a;
+}
+
+TEST_F(TextTest, EveryTextOutCallMakes96NewListsAndDrawsAtZ0) {
+  ctrl.auxTextOutA("ab", 1.5, 2);
+  ctrl.auxTextOutA("ab", 1.5, 2);
+  EXPECT_EQ(ctrl.auxTextOutW("c", -1, 4), 0);
+  const auto lines = trace.Lines();
+  EXPECT_EQ(CountPrefix(lines, "glGenLists(96)"), 3);
+  std::set<std::string> names;
+  for (const auto& l : lines) {
+    if (l.rfind("glNewList(", 0) == 0) names.insert(l);
+  }
+  EXPECT_EQ(names.size(), 3u * 96u);
+  EXPECT_EQ(CountPrefix(lines, "glRasterPos3f(1.5, 2, 0)"), 2);
+  EXPECT_EQ(CountPrefix(lines, "glRasterPos3f(-1, 4, 0)"), 1);
+  EXPECT_EQ(CountPrefix(lines, "glListBase(69)"), 1);   // 101 - 32
+  EXPECT_EQ(CountPrefix(lines, "glListBase(165)"), 1);  // 197 - 32
+  EXPECT_EQ(CountPrefix(lines, "glListBase(261)"), 1);  // 293 - 32
+  EXPECT_EQ(ctrl.FontListBase, 0);  // the text-out calls leave fntPrintAt's lists alone
+}
+
+TEST_F(TextTest, EmptyTextIsASubscriptErrorAfterTheLists) {
+  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.fntPrintAt("", 0, 0, 0); }), kErrSubscript);
+  EXPECT_EQ(ctrl.FontListBase, 101);
+  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.auxTextOutA("", 0, 0); }), kErrSubscript);
+  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.auxTextOutW("", 0, 0); }), kErrSubscript);
+  EXPECT_EQ(CountPrefix(trace.Lines(), "glCallLists("), 0);
+}
+
+TEST_F(TextTest, CharactersAreSentAsSingleByteCodes) {
+  ctrl.fntPrintAt("\xC3\xA9\x01 ~", 0, 0, 0);  // e-acute (UTF-8), a control code, " ~"
+  EXPECT_EQ(trace.Lines().back(), "glCallLists(4, GL_UNSIGNED_BYTE, [233, 1, 32, 126])");
+  ctrl.fntPrintAt("\xE9", 0, 0, 0);  // a lone Latin-1 byte stands for itself
+  EXPECT_EQ(trace.Lines().back(), "glCallLists(1, GL_UNSIGNED_BYTE, [233])");
+  // The euro sign has no code below 256.
+  const auto before = trace.Lines().size();
+  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.fntPrintAt("a\xE2\x82\xAC", 0, 0, 0); }), kErrOverflow);
+  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.auxTextOutW("\xE2\x82\xAC", 0, 0); }), kErrOverflow);
+  for (std::size_t i = before; i < trace.Lines().size(); ++i) {
+    EXPECT_EQ(trace.Lines()[i].rfind("glCallLists(", 0), std::string::npos);
+  }
+}
+
+TEST_F(TextTest, CoordinatesBeyondSinglePrecisionOverflow) {
+  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.fntPrintAt("a", 1e39, 0, 0); }), kErrOverflow);
+}
+
+TEST_F(TextTest, FontThatFailsLeavesFontListBaseSetAndIsNotRetried) {
+  surface.SetFont({"/nonexistent/quelo-no-font.ttf", 10});
+  ctrl.fntPrintAt("HALLO", 0, 0, 0);
+  EXPECT_EQ(ctrl.FontListBase, 101);
+  auto lines = trace.Lines();
+  EXPECT_EQ(CountPrefix(lines, "glNewList("), 0);
+  EXPECT_EQ(CountPrefix(lines, "glCallLists("), 0);
+  // Later calls draw with whatever the lists hold.
+  ctrl.fntPrintAt("A", 0, 0, 0);
+  lines = trace.Lines();
+  EXPECT_EQ(CountPrefix(lines, "glGenLists("), 2);
+  EXPECT_EQ(lines.back(), "glCallLists(1, GL_UNSIGNED_BYTE, [65])");
+  // The text-out calls draw nothing, and an empty text is then no error.
+  const auto before = lines.size();
+  EXPECT_EQ(ctrl.auxTextOutA("", 0, 0), 0);
+  EXPECT_EQ(ctrl.auxTextOutW("x", 0, 0), 0);
+  lines = trace.Lines();
+  EXPECT_EQ(std::vector<std::string>(lines.begin() + static_cast<long>(before), lines.end()),
+            (std::vector<std::string>{"glGenLists(96)", "glGenLists(96)"}));
+}
+
+TEST_F(TextTest, WithoutSurfaceNothingIsDrawn) {
+  ctrl.ExtHDC(nullptr);
+  ctrl.fntPrintAt("HALLO", 0, 0, 0);
+  EXPECT_EQ(trace.Lines().back(), "glGenLists(96)");
+}
+
+}  // namespace
+}  // namespace quelo
