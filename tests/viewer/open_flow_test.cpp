@@ -1,0 +1,118 @@
+// The open dialog function, the open flow and the toolkit boundary.
+#include <stdexcept>
+
+#include "tests/temp_dir.h"
+#include "tests/viewer/form_fixture.h"
+
+namespace quelo::testing {
+namespace {
+
+class OpenFlow : public FormTest {
+ protected:
+  // A file that is no scene: the load finds no views and shows nothing, but
+  // reading it is fine.
+  std::string SomeFile(const std::string& name) {
+    const auto path = dir.File(name);
+    WriteAll(path, {'n', 'o', 't', ' ', 'a', ' ', 's', 'c', 'e', 'n', 'e'});
+    return path;
+  }
+  TempDir dir;
+};
+
+TEST_F(OpenFlow, OffersTheSceneFilterAndTheStarName) {
+  dialog.answer = "";
+  EXPECT_EQ(form.COM_OpenFileDlg(dialog, 0, "*"), "");
+  EXPECT_EQ(dialog.shown_filter, "KIVO OpenGL File (*.qgl)|*.qgl|All files (*.*)|*.*");
+  EXPECT_EQ(dialog.shown_file_name, "*.qgl");
+  EXPECT_TRUE(dialog.shown_cancel_error);
+}
+
+TEST_F(OpenFlow, OtherFileTypesHaveNoExtensionOrKindWord) {
+  dialog.answer = "/somewhere/picked";
+  EXPECT_EQ(form.COM_OpenFileDlg(dialog, 3, "scene"), "/somewhere/picked");
+  EXPECT_EQ(dialog.shown_filter, "KIVO  File (*.)|*.|All files (*.*)|*.*");
+  EXPECT_EQ(dialog.shown_file_name, "scene.");
+}
+
+TEST_F(OpenFlow, CancelIsSilentAndChangesNothing) {
+  const auto first = SomeFile("first.qgl");
+  dialog.answer = first;
+  form.Open_Cbt.UserClick();
+  ASSERT_EQ(form.SceneFileName, first);
+
+  dialog.raise_number = kErrDialogCancel;
+  gl.Clear();
+  form.File_OpenGLFile.UserClick();
+  EXPECT_EQ(dialog.shows, 2);
+  EXPECT_EQ(form.SceneFileName, first);
+  EXPECT_EQ(form.Main_StBr.PanelText(1), first);
+  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_TRUE(gl.Lines().empty());
+}
+
+TEST_F(OpenFlow, DialogFailureShowsErrorDuringOpenFile) {
+  dialog.raise_number = kErrDeviceIO;
+  form.Open_Cbt.UserClick();
+  EXPECT_EQ(messages.Texts(), (std::vector<std::string>{"Error during OpenFile"}));
+  ASSERT_EQ(messages.boxes().entries.size(), 1u);
+  EXPECT_EQ(messages.boxes().entries[0].icon, MessageIcon::kNone);
+  EXPECT_EQ(form.SceneFileName, "");
+  EXPECT_EQ(form.Main_StBr.PanelText(1), "");
+}
+
+TEST_F(OpenFlow, AnotherExtensionIsAcceptedUnchanged) {
+  const auto path = SomeFile("scene.KGL.bak");
+  dialog.answer = path;
+  gl.Clear();
+  form.File_OpenGLFile.UserClick();
+  EXPECT_EQ(form.SceneFileName, path);
+  EXPECT_EQ(form.Main_StBr.PanelText(1), path);
+  // Rebuilt and fitted: the old list deleted, a new one compiled and drawn.
+  EXPECT_TRUE(Traced("glDeleteLists(1, 1)"));
+  EXPECT_TRUE(Traced("glGenLists(1)"));
+  EXPECT_TRUE(messages.Texts().empty());
+}
+
+TEST_F(OpenFlow, NewPathIsShownEvenWhenReadingItFails) {
+  dialog.answer = dir.File("missing.qgl");
+  const bool ran = RunHandler([&] { form.Open_Cbt.UserClick(); });
+  EXPECT_FALSE(ran);
+  EXPECT_EQ(form.SceneFileName, dir.File("missing.qgl"));
+  EXPECT_EQ(form.Main_StBr.PanelText(1), dir.File("missing.qgl"));
+  ASSERT_EQ(messages.Texts().size(), 1u);
+  EXPECT_EQ(messages.boxes().entries[0].icon, MessageIcon::kCritical);
+
+  // The program goes on: the next command works.
+  form.HorAng(0);
+  form.View_TopView_Click();
+  EXPECT_EQ(form.HorAng(), 270);
+}
+
+TEST_F(OpenFlow, CommandLinePathOpensLikeTheDialog) {
+  const auto path = SomeFile("given.qgl");
+  form.OpenSceneFile(path);
+  EXPECT_EQ(form.SceneFileName, path);
+  EXPECT_EQ(form.Main_StBr.PanelText(1), path);
+  EXPECT_EQ(dialog.shows, 0);
+}
+
+TEST(Boundary, ShowsAnyEscapedErrorAndReportsIt) {
+  ScopedRecordedMessages messages;
+  EXPECT_TRUE(RunHandler([] {}));
+  EXPECT_FALSE(RunHandler([] { Raise(kErrOverflow); }));
+  EXPECT_FALSE(RunHandler([] { throw std::length_error("too long"); }));
+  EXPECT_EQ(messages.Texts(), (std::vector<std::string>{ErrorText(kErrOverflow), "too long"}));
+}
+
+TEST(FilterConversion, ClassicFilterBecomesFltkSyntax) {
+  EXPECT_EQ(FltkFilterFromClassic("KIVO OpenGL File (*.qgl)|*.qgl|All files (*.*)|*.*"),
+            "KIVO OpenGL File (*.qgl)\t*.qgl\nAll files (*.*)\t*");
+  EXPECT_EQ(FltkFilterFromClassic("Pictures|*.png;*.jpg|Odd\tname|*.x"),
+            "Pictures\t{*.png,*.jpg}\nOdd name\t*.x");
+  // An empty extension stays as given; a description without pattern is dropped.
+  EXPECT_EQ(FltkFilterFromClassic("KIVO  File (*.)|*.|Lonely"), "KIVO  File (*.)\t*.");
+  EXPECT_EQ(FltkFilterFromClassic(""), "");
+}
+
+}  // namespace
+}  // namespace quelo::testing
