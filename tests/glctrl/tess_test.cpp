@@ -1,0 +1,276 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/binary_file.h"
+#include "common/messages.h"
+#include "common/runtime_error.h"
+#include "facet/tess_state.h"
+#include "glctrl/gl_dispatch.h"
+#include "glctrl/opengl_ctrl.h"
+#include "scenefile/record_writer.h"
+#include "temp_dir.h"
+
+namespace quelo {
+namespace {
+
+using Lines = std::vector<std::string>;
+using Corner = std::array<double, 3>;
+
+int ErrorOf(auto&& f) {
+  try {
+    f();
+  } catch (const RuntimeError& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+class Polygon : public ::testing::Test {
+ protected:
+  // Hands the corners over one by one and closes the polygon, tracing GL.
+  Lines Draw(const std::vector<Corner>& corners) {
+    ScopedTracingGL trace;
+    ctrl.tessBeginPoly(static_cast<Integer>(corners.size()));
+    for (const Corner& c : corners) ctrl.tessVector3d(c[0], c[1], c[2]);
+    ctrl.tessEndPoly();
+    return trace.Lines();
+  }
+  // The lines after the triangles' glEnd(): the marking.
+  static Lines Marking(const Lines& lines) {
+    auto end = std::find(lines.begin(), lines.end(), "glEnd()");
+    return end == lines.end() ? Lines{} : Lines(end + 1, lines.end());
+  }
+
+  ScopedRecordedMessages messages;
+  OpenGL_Ctrl ctrl;
+  // Corners whose centre (3, 3, 0) and the marking points are exact decimals.
+  const std::vector<Corner> triangle = {{0, 0, 0}, {9, 0, 0}, {0, 9, 0}};
+  const Lines triangle_lines = {
+      "glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)", "glVertex3d(0, 0, 0)", "glEdgeFlag(GL_TRUE)",
+      "glVertex3d(9, 0, 0)",   "glEdgeFlag(GL_TRUE)", "glVertex3d(0, 9, 0)", "glEnd()"};
+};
+
+TEST_F(Polygon, TriangleIsDrawnWithAllEdgesOnTheBorder) {
+  EXPECT_EQ(Draw(triangle), triangle_lines);
+  EXPECT_TRUE(messages.Texts().empty());
+}
+
+// In GL_LINE mode GL draws the edges that leave a vertex whose edge flag is
+// true: those must be exactly the square's four sides, never the diagonal.
+TEST_F(Polygon, SquareShowsOnlyItsBorderEdges) {
+  Lines lines = Draw({{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}});
+  ASSERT_EQ(lines.size(), 2u + 2 * 3 * 2) << ::testing::PrintToString(lines);
+  EXPECT_EQ(lines.front(), "glBegin(GL_TRIANGLES)");
+  EXPECT_EQ(lines.back(), "glEnd()");
+  std::set<std::pair<std::string, std::string>> border;
+  for (int t = 0; t < 2; ++t) {
+    for (int j = 0; j < 3; ++j) {
+      const std::string& flag = lines[1 + 6 * t + 2 * j];
+      const std::string& from = lines[2 + 6 * t + 2 * j];
+      const std::string& to = lines[2 + 6 * t + 2 * ((j + 1) % 3)];
+      ASSERT_EQ(flag.rfind("glEdgeFlag(", 0), 0u) << flag;
+      ASSERT_EQ(from.rfind("glVertex3d(", 0), 0u) << from;
+      if (flag == "glEdgeFlag(GL_TRUE)") border.insert(std::minmax(from, to));
+    }
+  }
+  const std::string a = "glVertex3d(0, 0, 0)", b = "glVertex3d(2, 0, 0)", c = "glVertex3d(2, 2, 0)",
+                    d = "glVertex3d(0, 2, 0)";
+  EXPECT_EQ(border,
+            (std::set<std::pair<std::string, std::string>>{std::minmax(a, b), std::minmax(b, c),
+                                                           std::minmax(c, d), std::minmax(d, a)}));
+  EXPECT_EQ(TessCornerCount, 3);  // the facetter consumed the count
+  EXPECT_TRUE(messages.Texts().empty());
+}
+
+TEST_F(Polygon, MarkingModesOneToFour) {
+  ctrl.TessInTriColor = 0x0000FF;  // red
+  const Lines inner_with_flags = {
+      "glColor3f(1, 0, 0)",  "glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)",
+      "glVertex3d(1, 1, 0)", "glEdgeFlag(GL_TRUE)",   "glVertex3d(7, 1, 0)",
+      "glEdgeFlag(GL_TRUE)", "glVertex3d(1, 7, 0)",   "glEnd()"};
+  const Lines inner = {"glColor3f(1, 0, 0)",  "glBegin(GL_TRIANGLES)", "glVertex3d(1, 1, 0)",
+                       "glVertex3d(7, 1, 0)", "glVertex3d(1, 7, 0)",   "glEnd()"};
+  const Lines strokes = {"glBegin(GL_LINES)",   "glVertex3d(1.5, 1.5, 0)",
+                         "glVertex3d(3, 3, 0)", "glVertex3d(6, 1.5, 0)",
+                         "glVertex3d(3, 3, 0)", "glVertex3d(1.5, 6, 0)",
+                         "glVertex3d(3, 3, 0)", "glEnd()"};
+  Lines coloured_strokes = {"glColor3f(1, 0, 0)"};
+  coloured_strokes.insert(coloured_strokes.end(), strokes.begin(), strokes.end());
+  Lines stippled = {"glColor3f(1, 0, 0)", "glEnable(GL_LINE_STIPPLE)", "glLineStipple(4, 4369)"};
+  stippled.insert(stippled.end(), strokes.begin(), strokes.end());
+  stippled.push_back("glDisable(GL_LINE_STIPPLE)");
+
+  ctrl.TessFlag_DoInTri = 1;
+  EXPECT_EQ(Marking(Draw(triangle)), inner_with_flags);
+  ctrl.TessFlag_DoInTri = 2;
+  EXPECT_EQ(Marking(Draw(triangle)), inner);
+  ctrl.TessFlag_DoInTri = 3;
+  EXPECT_EQ(Marking(Draw(triangle)), coloured_strokes);
+  ctrl.TessFlag_DoInTri = 4;
+  EXPECT_EQ(Marking(Draw(triangle)), stippled);
+  for (Long other : {0, -1, 5}) {
+    ctrl.TessFlag_DoInTri = other;
+    EXPECT_EQ(Draw(triangle), triangle_lines) << other;
+  }
+  EXPECT_TRUE(messages.Texts().empty());
+}
+
+TEST_F(Polygon, ModeFourLeavesStipplingDisabled) {
+  ctrl.TessFlag_DoInTri = 4;
+  ScopedTracingGL trace;
+  ctrl.oglEnable(GL_LINE_STIPPLE);
+  Lines lines = Draw(triangle);
+  EXPECT_EQ(lines.back(), "glDisable(GL_LINE_STIPPLE)");
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "glDisable(GL_LINE_STIPPLE)"), 1);
+}
+
+TEST_F(Polygon, TheMarkingCentreIsRoundedToSingle) {
+  ctrl.TessFlag_DoInTri = 3;
+  Lines marking = Marking(Draw({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}));
+  ASSERT_EQ(marking.size(), 9u);
+  // 1/3 as a Single, then widened: not 0.3333333333333333.
+  EXPECT_EQ(marking[3], "glVertex3d(0.3333333432674408, 0.3333333432674408, 0)");
+  // Halfway from corner (1, 0, 0): the Single centre plus the Double corner.
+  EXPECT_EQ(marking[4], "glVertex3d(0.6666666716337204, 0.1666666716337204, 0)");
+}
+
+TEST_F(Polygon, TessEnableStoresMinusOneWhichDrawsNoMarking) {
+  Long one = 1, two = 2;
+  ctrl.tessEnable(two);
+  EXPECT_EQ(ctrl.TessFlag_DoInTri, 0);
+  ctrl.tessEnable(one);
+  EXPECT_EQ(ctrl.TessFlag_DoInTri, -1);
+  EXPECT_EQ(Draw(triangle), triangle_lines);
+  ctrl.TessFlag_DoInTri = 3;
+  ctrl.tessDisable(two);
+  EXPECT_EQ(ctrl.TessFlag_DoInTri, 3);
+  ctrl.tessDisable(one);
+  EXPECT_EQ(ctrl.TessFlag_DoInTri, 0);
+}
+
+TEST_F(Polygon, NoneOrOneCornerDrawsNothingAndSaysNothing) {
+  const Lines empty = {"glBegin(GL_TRIANGLES)", "glEnd()"};
+  EXPECT_EQ(Draw({}), empty);
+  EXPECT_EQ(Draw({{1, 2, 3}}), empty);
+  EXPECT_TRUE(messages.Texts().empty());
+}
+
+TEST_F(Polygon, TwoCornersGiveOneDegenerateTriangle) {
+  EXPECT_EQ(Draw({{1, 2, 3}, {4, 5, 6}}),
+            (Lines{"glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)", "glVertex3d(1, 2, 3)",
+                   "glEdgeFlag(GL_TRUE)", "glVertex3d(4, 5, 6)", "glEdgeFlag(GL_TRUE)",
+                   "glVertex3d(4, 5, 6)", "glEnd()"}));
+}
+
+TEST_F(Polygon, MissingCornersAreZero) {
+  ScopedTracingGL trace;
+  ctrl.tessBeginPoly(3);
+  ctrl.tessVector3d(5, 0, 0);
+  ctrl.tessEndPoly();
+  EXPECT_EQ(trace.Lines(),
+            (Lines{"glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)", "glVertex3d(5, 0, 0)",
+                   "glEdgeFlag(GL_TRUE)", "glVertex3d(0, 0, 0)", "glEdgeFlag(GL_TRUE)",
+                   "glVertex3d(0, 0, 0)", "glEnd()"}));
+}
+
+TEST_F(Polygon, CollinearCornersShowOneErrorAndDrawNoTriangle) {
+  EXPECT_EQ(Draw({{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}}),
+            (Lines{"glBegin(GL_TRIANGLES)", "glEnd()"}));
+  EXPECT_EQ(messages.Texts(), (std::vector<std::string>{"Error in tessEndPoly"}));
+}
+
+TEST_F(Polygon, EachFailingStatementShowsTheMessageAndDrawingGoesOn) {
+  ctrl.tessBeginPoly(3);
+  // A negative count is stored, but the buffer cannot be re-dimensioned.
+  EXPECT_EQ(ErrorOf([&] { ctrl.tessBeginPoly(-1); }), kErrSubscript);
+  ScopedTracingGL trace;
+  ctrl.tessEndPoly();
+  // Copying corner -1 into corner 0 fails once per component, the
+  // facetter's own copy once more; the (empty) drawing still runs.
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>(4, "Error in tessEndPoly"));
+  EXPECT_EQ(trace.Lines(), (Lines{"glBegin(GL_TRIANGLES)", "glEnd()"}));
+}
+
+TEST_F(Polygon, MoreCornersThanAnnouncedRaiseNineAfterCounting) {
+  ctrl.tessBeginPoly(1);
+  ctrl.tessVector3d(1, 1, 1);
+  EXPECT_EQ(ErrorOf([&] { ctrl.tessVector3d(2, 2, 2); }), kErrSubscript);
+  const double v[4] = {0, 3, 3, 3};
+  EXPECT_EQ(ErrorOf([&] { ctrl.tessVector3dv(v); }), kErrSubscript);
+  // Every failed call still counted: the counter reaches 32767 after 32764
+  // more, and the next call overflows it instead of indexing.
+  for (int i = 0; i < 32764; ++i) {
+    ASSERT_EQ(ErrorOf([&] { ctrl.tessVector3d(0, 0, 0); }), kErrSubscript) << i;
+  }
+  EXPECT_EQ(ErrorOf([&] { ctrl.tessVector3d(0, 0, 0); }), kErrOverflow);
+  EXPECT_EQ(TessVertices(1, 1), 1);  // the announced corner was kept
+}
+
+TEST_F(Polygon, RecordingWithoutGlStoresNoCorner) {
+  testing::TempDir dir;
+  std::string path = dir.File("poly.bin");
+  ctrl.FileOpen(path);
+  ctrl.SendToFile = true;
+  ctrl.DontSendToGL = true;
+  TessCornerCount = 77;
+  Lines lines = Draw(triangle);
+  ctrl.FileClose();
+  EXPECT_TRUE(lines.empty());
+  EXPECT_EQ(TessCornerCount, 77);
+
+  std::string expected = dir.File("expected.bin");
+  {
+    auto f = BinaryFile::Open(expected, BinaryFile::Access::kReadWrite);
+    WriteTessBeginPolyRecord(*f, 3);
+    for (const Corner& c : triangle) WriteTessVector3dRecord(*f, c[0], c[1], c[2]);
+    WriteTessEndPolyRecord(*f);
+  }
+  EXPECT_EQ(testing::ReadAll(path), testing::ReadAll(expected));
+}
+
+TEST_F(Polygon, GluCallbacksAreRegisteredInOrder) {
+  ScopedTracingGL trace;
+  GLUtesselator* tess = ctrl.ogluNewTess();
+  ctrl.DontSendToGL = true;  // ignored here
+  ctrl.auxSetTessCallbacks(tess);
+  EXPECT_EQ(trace.Lines(),
+            (Lines{"gluNewTess()", "gluTessCallback(<tess 1>, GLU_TESS_BEGIN, <callback>)",
+                   "gluTessCallback(<tess 1>, GLU_TESS_END, <callback>)",
+                   "gluTessCallback(<tess 1>, GLU_TESS_VERTEX, <callback>)"}));
+}
+
+// The real GLU tessellator calls the three callbacks, which draw through
+// the current table.
+TEST_F(Polygon, GluCallbacksDrawThroughTheDispatchTable) {
+  GLUtesselator* tess = RealGL().gluNewTess();
+  ASSERT_NE(tess, nullptr);
+  ctrl.auxSetTessCallbacks(tess);  // real table: registered with GLU
+  GLdouble corners[3][3] = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}};
+  Lines lines;
+  {
+    ScopedTracingGL trace;
+    RealGL().gluTessBeginPolygon(tess, nullptr);
+    RealGL().gluTessBeginContour(tess);
+    for (auto& c : corners) RealGL().gluTessVertex(tess, c, c);
+    RealGL().gluTessEndContour(tess);
+    RealGL().gluTessEndPolygon(tess);
+    lines = trace.Lines();
+  }
+  RealGL().gluDeleteTess(tess);
+  ASSERT_EQ(lines.size(), 5u) << ::testing::PrintToString(lines);
+  EXPECT_EQ(lines.front().rfind("glBegin(GL_TRIANGLE", 0), 0u) << lines.front();
+  std::multiset<std::string> vertices(lines.begin() + 1, lines.end() - 1);
+  EXPECT_EQ(vertices,
+            (std::multiset<std::string>{"glVertex3dv([0, 0, 0])", "glVertex3dv([4, 0, 0])",
+                                        "glVertex3dv([0, 4, 0])"}));
+  EXPECT_EQ(lines.back(), "glEnd()");
+}
+
+}  // namespace
+}  // namespace quelo

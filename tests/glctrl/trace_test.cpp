@@ -1,0 +1,338 @@
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "glctrl/gl_dispatch.h"
+#include "glctrl/opengl_ctrl.h"
+
+namespace quelo {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// The single line that f produces under a fresh tracing table.
+template <class F>
+std::string TraceOne(F&& f) {
+  ScopedTracingGL trace;
+  f(GL());
+  Lines lines = trace.Lines();
+  return lines.size() == 1 ? lines[0] : "<" + std::to_string(lines.size()) + " lines>";
+}
+
+// The text between the parentheses of a one-argument line.
+std::string Argument(const std::string& line) {
+  std::size_t open = line.find('(');
+  return line.substr(open + 1, line.size() - open - 2);
+}
+
+// ---- Arguments by kind ------------------------------------------------------------
+
+TEST(TraceFormat, ScalarsByKind) {
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glVertex3f(1, 2.5f, -3); }), "glVertex3f(1, 2.5, -3)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glEnd(); }), "glEnd()");
+  // Integers of every width in decimal, unsigned bytes not as characters.
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glColor4ub(255, 0, 72, 1); }), "glColor4ub(255, 0, 72, 1)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glNormal3b(-128, 0, 127); }), "glNormal3b(-128, 0, 127)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glRecti(-7, 0, 2147483647, -2147483647 - 1); }),
+            "glRecti(-7, 0, 2147483647, -2147483648)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glCallList(4000000000u); }), "glCallList(4000000000)");
+  // Shortest texts that read back: no float noise, doubles in full.
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glColor3f(0.1f, 1e-45f, -0.0f); }),
+            "glColor3f(0.1, 1e-45, -0)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glVertex3d(0.1, 1e300, 1.0 / 3); }),
+            "glVertex3d(0.1, 1e+300, 0.3333333333333333)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glColorMask(GL_TRUE, GL_FALSE, GL_TRUE, 7); }),
+            "glColorMask(GL_TRUE, GL_FALSE, GL_TRUE, 7)");
+}
+
+TEST(TraceFormat, RealsReadBackToTheSameValue) {
+  const float floats[] = {0.1f, 1.0f / 3, 3.4028235e38f, 1.17549435e-38f, 16777217.0f, -2.5e-7f};
+  for (float v : floats) {
+    std::string line = TraceOne([v](auto& gl) { gl.glLineWidth(v); });
+    ASSERT_EQ(line.rfind("glLineWidth(", 0), 0u) << line;
+    std::string text = Argument(line);
+    float back = 0;
+    auto r = std::from_chars(text.data(), text.data() + text.size(), back);
+    EXPECT_EQ(r.ec, std::errc()) << text;
+    EXPECT_EQ(std::memcmp(&back, &v, sizeof v), 0) << text;
+  }
+  const double doubles[] = {0.1, 2.0 / 3, 1e-320, 123456789.123456789, -1.7976931348623157e308};
+  for (double v : doubles) {
+    std::string line = TraceOne([v](auto& gl) { gl.glClearDepth(v); });
+    ASSERT_EQ(line.rfind("glClearDepth(", 0), 0u) << line;
+    std::string text = Argument(line);
+    double back = 0;
+    std::from_chars(text.data(), text.data() + text.size(), back);
+    EXPECT_EQ(back, v) << line;
+  }
+}
+
+TEST(TraceFormat, BitfieldsAsNames) {
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT); }),
+            "glClear(GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glClear(0); }), "glClear(0)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glPushAttrib(GL_ALL_ATTRIB_BITS); }),
+            "glPushAttrib(GL_ALL_ATTRIB_BITS)");
+  // Bit 1 is GL_CURRENT_BIT for server attributes, a client bit here.
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT); }),
+            "glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT)");
+  // A mask with a bit that has no name stays one number.
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glClear(GL_COLOR_BUFFER_BIT | 0x40000000u); }),
+            "glClear(1073758208)");
+}
+
+// ---- GL names in context --------------------------------------------------------------
+
+TEST(TraceFormat, EnumsByNameInContext) {
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glBegin(GL_TRIANGLES); }), "glBegin(GL_TRIANGLES)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glEnable(GL_CULL_FACE); }), "glEnable(GL_CULL_FACE)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glPolygonMode(GL_FRONT_AND_BACK, GL_LINE); }),
+            "glPolygonMode(GL_FRONT_AND_BACK, GL_LINE)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glNewList(1, GL_COMPILE); }), "glNewList(1, GL_COMPILE)");
+  // 0 and 1 are several names: the parameter decides.
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glBegin(GL_POINTS); }), "glBegin(GL_POINTS)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glDrawArrays(GL_LINES, 0, 2); }),
+            "glDrawArrays(GL_LINES, 0, 2)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glBlendFunc(GL_ZERO, GL_ONE); }),
+            "glBlendFunc(GL_ZERO, GL_ONE)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA); }),
+            "glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glStencilOp(GL_ZERO, GL_KEEP, GL_INCR); }),
+            "glStencilOp(GL_ZERO, GL_KEEP, GL_INCR)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glDrawBuffer(GL_NONE); }), "glDrawBuffer(GL_NONE)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glHint(0, 1); }), "glHint(0, 1)");
+  // Unknown values in decimal.
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glEnable(0x12345); }), "glEnable(74565)");
+  // Parameter values that are names for some pnames only.
+  EXPECT_EQ(TraceOne([](auto& gl) {
+              gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+            }),
+            "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glTexEnvf(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL); }),
+            "glTexEnvf(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glPixelStorei(GL_UNPACK_ALIGNMENT, 1); }),
+            "glPixelStorei(GL_UNPACK_ALIGNMENT, 1)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glFogf(GL_FOG_DENSITY, 0.5f); }),
+            "glFogf(GL_FOG_DENSITY, 0.5)");
+  EXPECT_EQ(TraceOne([](auto& gl) {
+              gl.glTexImage2D(GL_TEXTURE_2D, 0, 3, 2, 2, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
+            }),
+            "glTexImage2D(GL_TEXTURE_2D, 0, 3, 2, 2, 0, GL_RGB, GL_UNSIGNED_BYTE, NULL)");
+  EXPECT_EQ(TraceOne([](auto& gl) { gl.glCopyTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, 0, 0, 4, 0); }),
+            "glCopyTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, 0, 0, 4, 0)");
+}
+
+// ---- Pointer arguments -----------------------------------------------------------------
+
+TEST(TraceFormat, ArraysSizedByFunctionAndPname) {
+  const GLfloat colour[4] = {1, 0.5f, 0, 1};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glMaterialfv(GL_FRONT, GL_DIFFUSE, colour); }),
+            "glMaterialfv(GL_FRONT, GL_DIFFUSE, [1, 0.5, 0, 1])");
+  const GLfloat shininess = 32;  // one value: reading four would overrun it
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glMaterialfv(GL_BACK, GL_SHININESS, &shininess); }),
+            "glMaterialfv(GL_BACK, GL_SHININESS, [32])");
+  const GLint indexes[3] = {1, 2, 3};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glMaterialiv(GL_FRONT, GL_COLOR_INDEXES, indexes); }),
+            "glMaterialiv(GL_FRONT, GL_COLOR_INDEXES, [1, 2, 3])");
+  const GLfloat direction[3] = {0, 0, -1};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glLightfv(GL_LIGHT0, GL_SPOT_DIRECTION, direction); }),
+            "glLightfv(GL_LIGHT0, GL_SPOT_DIRECTION, [0, 0, -1])");
+  const GLdouble v[3] = {1.5, -2, 1e-9};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glVertex3dv(v); }), "glVertex3dv([1.5, -2, 1e-09])");
+  const GLshort s2[2] = {-1, 300};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glTexCoord2sv(s2); }), "glTexCoord2sv([-1, 300])");
+  const GLboolean flag = GL_FALSE;
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glEdgeFlagv(&flag); }), "glEdgeFlagv([GL_FALSE])");
+  const GLdouble plane[4] = {1, 0, 0, -2};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glClipPlane(GL_CLIP_PLANE0, plane); }),
+            "glClipPlane(GL_CLIP_PLANE0, [1, 0, 0, -2])");
+  GLfloat m[16] = {};
+  for (int i = 0; i < 16; ++i) m[i] = static_cast<GLfloat>(i);
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glLoadMatrixf(m); }),
+            "glLoadMatrixf([0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15])");
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glVertex3fv(nullptr); }), "glVertex3fv(NULL)");
+}
+
+TEST(TraceFormat, ArraysSizedByCountAndType) {
+  const GLubyte hello[5] = {72, 65, 76, 76, 79};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glCallLists(5, GL_UNSIGNED_BYTE, hello); }),
+            "glCallLists(5, GL_UNSIGNED_BYTE, [72, 65, 76, 76, 79])");
+  const GLshort shorts[2] = {-3, 1000};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glCallLists(2, GL_SHORT, shorts); }),
+            "glCallLists(2, GL_SHORT, [-3, 1000])");
+  // Pairs of bytes are one name each, high byte first.
+  const GLubyte pairs[4] = {1, 2, 0, 255};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glCallLists(2, GL_2_BYTES, pairs); }),
+            "glCallLists(2, GL_2_BYTES, [258, 255])");
+  const GLuint indices[3] = {0, 2, 1};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glDrawElements(GL_POINTS, 3, GL_UNSIGNED_INT, indices); }),
+            "glDrawElements(GL_POINTS, 3, GL_UNSIGNED_INT, [0, 2, 1])");
+  const GLuint textures[2] = {5, 6};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glDeleteTextures(2, textures); }),
+            "glDeleteTextures(2, [5, 6])");
+}
+
+TEST(TraceFormat, BitmapBytesAtUnpackAlignmentFour) {
+  // Width 9: two bytes a row, rows 4 bytes apart, the last row unpadded.
+  const GLubyte bits[10] = {1, 2, 0, 0, 3, 4, 0, 0, 5, 6};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glBitmap(9, 3, 0, 0.5f, 10, 0, bits); }),
+            "glBitmap(9, 3, 0, 0.5, 10, 0, [1, 2, 0, 0, 3, 4, 0, 0, 5, 6])");
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glBitmap(0, 0, 0, 0, 4, 0, nullptr); }),
+            "glBitmap(0, 0, 0, 0, 4, 0, NULL)");
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glBitmap(0, 0, 0, 0, 4, 0, bits); }),
+            "glBitmap(0, 0, 0, 0, 4, 0, [])");
+}
+
+TEST(TraceFormat, UnsizedBuffersAndOutputs) {
+  GLubyte pixels[16] = {};
+  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glDrawPixels(2, 2, GL_RGBA, GL_UNSIGNED_BYTE, pixels); }),
+            "glDrawPixels(2, 2, GL_RGBA, GL_UNSIGNED_BYTE, <data>)");
+  EXPECT_EQ(
+      TraceOne([&](auto& gl) { gl.glReadPixels(0, 0, 2, 2, GL_RGBA, GL_UNSIGNED_BYTE, pixels); }),
+      "glReadPixels(0, 0, 2, 2, GL_RGBA, GL_UNSIGNED_BYTE, <out>)");
+}
+
+// ---- Results ------------------------------------------------------------------------------
+
+TEST(TraceResults, ListNamesCountUpFromOnePerScope) {
+  {
+    ScopedTracingGL trace;
+    EXPECT_EQ(GL().glGenLists(3), 1u);
+    EXPECT_EQ(GL().glGenLists(1), 4u);  // the range of 3 took 1, 2, 3
+    EXPECT_EQ(GL().glGenLists(0), 0u);
+    EXPECT_EQ(GL().glGenLists(2), 5u);
+    EXPECT_EQ(trace.Lines(),
+              (Lines{"glGenLists(3)", "glGenLists(1)", "glGenLists(0)", "glGenLists(2)"}));
+  }
+  ScopedTracingGL again;
+  EXPECT_EQ(GL().glGenLists(1), 1u);
+}
+
+TEST(TraceResults, GettersAnswerBenignValues) {
+  ScopedTracingGL trace;
+  EXPECT_EQ(GL().glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+  EXPECT_EQ(GL().glIsList(1), GL_FALSE);
+  EXPECT_EQ(GL().glIsEnabled(GL_LIGHTING), GL_FALSE);
+  EXPECT_EQ(GL().glRenderMode(GL_SELECT), 0);
+  const GLubyte* vendor = GL().glGetString(GL_VENDOR);
+  ASSERT_NE(vendor, nullptr);
+  EXPECT_EQ(vendor[0], 0);
+
+  // The elements GL would write become zero; the rest is left alone.
+  GLint viewport[5] = {9, 9, 9, 9, 9};
+  GL().glGetIntegerv(GL_VIEWPORT, viewport);
+  EXPECT_EQ(std::vector<GLint>(viewport, viewport + 5), (std::vector<GLint>{0, 0, 0, 0, 9}));
+  GLdouble matrix[17];
+  for (double& d : matrix) d = 7;
+  GL().glGetDoublev(GL_MODELVIEW_MATRIX, matrix);
+  EXPECT_EQ(matrix[15], 0);
+  EXPECT_EQ(matrix[16], 7);
+  GLfloat shininess[2] = {5, 5};
+  GL().glGetMaterialfv(GL_FRONT, GL_SHININESS, shininess);
+  EXPECT_EQ(shininess[0], 0);
+  EXPECT_EQ(shininess[1], 5);
+
+  GLuint textures[3] = {};
+  GL().glGenTextures(3, textures);
+  EXPECT_EQ(std::vector<GLuint>(textures, textures + 3), (std::vector<GLuint>{1, 2, 3}));
+  EXPECT_EQ(trace.Lines().back(), "glGenTextures(3, <out>)");
+}
+
+TEST(TraceResults, GluObjectsAndCallbacksPrintStably) {
+  ScopedTracingGL trace;
+  GLUtesselator* a = GL().gluNewTess();
+  GLUtesselator* b = GL().gluNewTess();
+  ASSERT_NE(a, nullptr);
+  EXPECT_NE(a, b);
+  GL().gluTessCallback(b, GLU_TESS_BEGIN, nullptr);
+  GL().gluTessProperty(a, GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_NONZERO);
+  GL().gluTessProperty(a, GLU_TESS_TOLERANCE, 0.25);
+  GLdouble corner[3] = {1, 2, 3};
+  GL().gluTessVertex(a, corner, corner);
+  GL().gluPickMatrix(10, 20, 5, 5, std::vector<GLint>{0, 0, 640, 480}.data());
+  GL().gluDeleteTess(a);
+  EXPECT_EQ(
+      trace.Lines(),
+      (Lines{"gluNewTess()", "gluNewTess()", "gluTessCallback(<tess 2>, GLU_TESS_BEGIN, NULL)",
+             "gluTessProperty(<tess 1>, GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_NONZERO)",
+             "gluTessProperty(<tess 1>, GLU_TESS_TOLERANCE, 0.25)",
+             "gluTessVertex(<tess 1>, [1, 2, 3], <data>)",
+             "gluPickMatrix(10, 20, 5, 5, [0, 0, 640, 480])", "gluDeleteTess(<tess 1>)"}));
+}
+
+// ---- The tables ---------------------------------------------------------------------------
+
+// Checks both tables' entries of one entry point and calls the tracing one
+// with every argument value-initialised (numbers 0, pointers NULL).
+template <class R, class... A>
+void CheckEntry(const char* name, R (*real)(A...), R (*tracing)(A...)) {
+  EXPECT_NE(real, nullptr) << name;
+  ASSERT_NE(tracing, nullptr) << name;
+  EXPECT_NE(reinterpret_cast<void*>(tracing), reinterpret_cast<void*>(real)) << name;
+  tracing(A{}...);
+}
+
+TEST(DispatchTables, EveryEntryPointIsFilledAndTracedUnderItsName) {
+  const GLDispatch& real = RealGL();
+  std::vector<std::string> names;
+  ScopedTracingGL trace;
+  const GLDispatch& tracing = GL();
+#define QUELO_GL_ENTRY(ret, name, params, args, trace) \
+  CheckEntry(#name, real.name, tracing.name);          \
+  names.push_back(#name);
+#include "glctrl/gl_api.list"
+
+  // GL 1.1 has 336 entry points; the program uses 12 GLU functions.
+  EXPECT_EQ(names.size(), 336u + 12u);
+  Lines lines = trace.Lines();
+  ASSERT_EQ(lines.size(), names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    EXPECT_EQ(lines[i].rfind(names[i] + "(", 0), 0u) << lines[i];
+    EXPECT_EQ(lines[i].back(), ')') << lines[i];
+  }
+}
+
+TEST(DispatchTables, ScopesNestAndRestoreTheRealTable) {
+  EXPECT_EQ(&GL(), &RealGL());
+  std::ostringstream out;
+  {
+    ScopedTracingGL outer(&out);
+    GL().glLoadIdentity();
+    {
+      ScopedTracingGL inner;
+      GL().glFlush();
+      EXPECT_EQ(inner.Lines(), (Lines{"glFlush()"}));
+    }
+    GL().glFinish();
+    EXPECT_EQ(outer.Lines(), (Lines{"glLoadIdentity()", "glFinish()"}));
+    outer.Clear();
+    EXPECT_TRUE(outer.Lines().empty());
+  }
+  EXPECT_EQ(out.str(), "glLoadIdentity()\nglFinish()\n");
+  EXPECT_EQ(&GL(), &RealGL());
+}
+
+// ---- Pass-through methods -------------------------------------------------------------------
+
+TEST(PassThrough, CallsGlWhateverTheRecordingSwitchesSay) {
+  OpenGL_Ctrl ctrl;
+  ctrl.DontSendToGL = true;  // honoured by the recording methods only
+  ScopedTracingGL trace;
+  ctrl.oglEnable(GL_CULL_FACE);
+  ctrl.oglTranslatef(1, 2, 3);
+  const GLdouble v[3] = {4, 5, 6};
+  ctrl.oglVertex3dv(v);
+  EXPECT_EQ(ctrl.oglGenLists(2), 1u);
+  ctrl.ogluLookAt(0, 0, 10, 0, 0, 0, 0, 1, 0);
+  EXPECT_EQ(ctrl.oglGetError(), static_cast<GLenum>(GL_NO_ERROR));
+  EXPECT_EQ(trace.Lines(),
+            (Lines{"glEnable(GL_CULL_FACE)", "glTranslatef(1, 2, 3)", "glVertex3dv([4, 5, 6])",
+                   "glGenLists(2)", "gluLookAt(0, 0, 10, 0, 0, 0, 0, 1, 0)", "glGetError()"}));
+}
+
+}  // namespace
+}  // namespace quelo
