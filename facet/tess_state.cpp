@@ -1,0 +1,33 @@
+#include "facet/tess_state.h"
+
+#include <cstddef>
+#include <new>
+
+#include "common/runtime_error.h"
+
+namespace quelo {
+
+TessVertexArray TessVertices;
+Integer TessCornerCount = 0;
+
+void TessVertexArray::Recreate(Long n) {
+  if (n < 0) Raise(kErrSubscript);
+  try {
+    values_.assign(4 * (static_cast<std::size_t>(n) + 1), 0.0);
+  } catch (const std::bad_alloc&) {
+    Raise(kErrOutOfMemory);
+  }
+  upper_ = n;
+}
+
+double& TessVertexArray::operator()(Long component, Long corner) {
+  if (component < 0 || component > 3 || corner < 0 || corner > upper_) Raise(kErrSubscript);
+  return values_[4 * static_cast<std::size_t>(corner) + static_cast<std::size_t>(component)];
+}
+
+double TessVertexArray::operator()(Long component, Long corner) const {
+  if (component < 0 || component > 3 || corner < 0 || corner > upper_) Raise(kErrSubscript);
+  return values_[4 * static_cast<std::size_t>(corner) + static_cast<std::size_t>(component)];
+}
+
+}  // namespace quelo
