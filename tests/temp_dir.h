@@ -20,8 +20,10 @@ class TempDir {
     for (auto& c : name) {
       if (c == '/') c = '_';
     }
-    path_ = std::filesystem::temp_directory_path() /
-            ("quelo-test-" + name + "-" + std::to_string(::getpid()));
+    static int counter = 0;
+    path_ =
+        std::filesystem::temp_directory_path() /
+        ("quelo-test-" + name + "-" + std::to_string(::getpid()) + "-" + std::to_string(++counter));
     std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }
@@ -40,7 +42,8 @@ inline std::vector<unsigned char> ReadAll(const std::string& path) {
 
 inline void WriteAll(const std::string& path, const std::vector<unsigned char>& bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  out.write(reinterpret_cast<const char*>(bytes.data()),
+            static_cast<std::streamsize>(bytes.size()));
 }
 
 }  // namespace quelo::testing
