@@ -31,5 +31,6 @@ extern const Command kInfoCommand;
 extern const Command kDumpCommand;
 extern const Command kTraceCommand;
 extern const Command kDemoCommand;
+extern const Command kFormatsCommand;
 
 }  // namespace quelo::qgl

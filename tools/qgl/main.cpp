@@ -19,6 +19,7 @@ const Command* const kCommands[] = {
     &quelo::qgl::kDumpCommand,
     &quelo::qgl::kTraceCommand,
     &quelo::qgl::kDemoCommand,
+    &quelo::qgl::kFormatsCommand,
 };
 
 }  // namespace
