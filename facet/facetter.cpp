@@ -158,7 +158,8 @@ class EarClipper {
     return area_ < 0 ? ring_(to).edge_length : ring_(from).edge_length;
   }
 
-  // Step 5: picks the ear with the lowest score, or keeps the last choice.
+  // Step 5: picks the ear with the lowest score, the first of equal ones;
+  // when none qualifies, chosen_ keeps the previous pass's choice.
   void ChooseEar() {
     Single best = 2.0f;
     for (Long i = 1; i <= size_; ++i) {
@@ -186,7 +187,8 @@ class EarClipper {
     }
   }
 
-  // Whether any ring point lies in the triangle p, i, q.
+  // Whether any ring point lies in the triangle p, i, q; the first one found
+  // settles it.
   bool ContainsRingPoint(Long p, Long i, Long q) const {
     for (Long k = 1; k <= size_; ++k) {
       if (InsideTriangle(ring_, p, i, q, k)) return true;
@@ -237,6 +239,7 @@ class EarClipper {
     for (Long k = b; k <= size_; ++k) ring_(k) = ring_(k + 1);
     const Long after_gap = Wrap(p_raw);
     const Long next = after_gap == size_ ? 1 : after_gap + 1;
+    // The new diagonal after_gap -> next, stored where StoredLength looks.
     if (area_ < 0) {
       ring_(next).edge_length = diagonal_(b);
     } else {
@@ -245,7 +248,7 @@ class EarClipper {
     ring_(after_gap).cut = true;
     ring_(after_gap).weight = candidate_(b, 0);
     ring_(next).weight = candidate_(b, 3);
-    ring_(0) = ring_(size_);
+    ring_(0) = ring_(size_);  // the copy of the last corner follows the ring
     return true;
   }
 

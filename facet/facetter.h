@@ -61,11 +61,12 @@ void ProjectOntoPlane();
 // through FacetOrder: BuildFacetRing, then ClipRing.
 void ClipEars();
 
-// Steps before the clipping proper: the signed area A (twice the area,
-// positive when the corners run counter-clockwise) goes to `area`; returns
-// the ring 0..n with x, y, weight and corner of FacetPoints(FacetOrder(i)),
-// cut false, and the length of the edge leaving the corner (arriving at it
-// when A < 0); entry 0 repeats entry n.
+// The steps before the clipping proper, over n corners of FacetPoints read
+// through FacetOrder. The signed area A (twice the area, positive when the
+// corners run counter-clockwise) goes to `area`. Returns the ring 0..n:
+// entry i has the x, y of corner i, its sharpness weight, cut false, corner
+// FacetOrder(i), and the length of the edge leaving it (for A < 0, of the
+// edge arriving at it); entry 0 repeats entry n.
 BoundedArray<FacetPoint> BuildFacetRing(Integer n, Single& area);
 
 // Clips ears off `ring` (positions 1..n) until three corners are left and
