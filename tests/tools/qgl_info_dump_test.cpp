@@ -1,0 +1,326 @@
+// qgl info and qgl dump, run as programs on files made by the writer and on
+// hand-damaged ones: exit statuses, messages and output.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+
+#include "../scenefile/stream_bytes.h"
+#include "scenefile/container.h"
+#include "scenefile/container_writer.h"
+#include "scenefile/record_writer.h"
+#include "scenefile/stream_head.h"
+#include "temp_dir.h"
+
+namespace quelo {
+namespace {
+
+using testing::Bytes;
+using testing::TempDir;
+
+const std::string kExample = QUELO_SOURCE_DIR "/examples/example.qgl";
+
+struct RunResult {
+  int status = -1;
+  std::string out;
+  std::string err;
+  nlohmann::json Json() const { return nlohmann::json::parse(out); }
+};
+
+std::string Quote(const std::string& s) {
+  std::string q = "'";
+  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+RunResult RunQgl(const TempDir& dir, const std::string& args) {
+  const std::string out = dir.File("stdout.txt"), err = dir.File("stderr.txt");
+  const std::string cmd =
+      Quote(QGL_BINARY) + " " + args + " >" + Quote(out) + " 2>" + Quote(err) + " </dev/null";
+  const int raw = std::system(cmd.c_str());
+  RunResult r;
+  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  const auto o = testing::ReadAll(out), e = testing::ReadAll(err);
+  r.out.assign(o.begin(), o.end());
+  r.err.assign(e.begin(), e.end());
+  return r;
+}
+
+int Lines(const std::string& s) {
+  return static_cast<int>(std::count(s.begin(), s.end(), '\n'));
+}
+
+Bytes Header() {
+  Bytes b;
+  b.Tag("KIVO").L(4).L(0).Tag("TEST").L(0).L(0).L(0).L(0).L(0);
+  return b;
+}
+
+Bytes& Chunk(Bytes& b, const char* tag, Long view_id, Long body_form, Long next) {
+  return b.Tag(tag).L(view_id).L(0).L(0).L(body_form).L(0).L(0).L(0).L(next);
+}
+
+Long Here(const Bytes& b) {
+  return static_cast<Long>(b.size()) + 1;
+}
+
+// A PI chunk (form 1, default record) and a GL chunk whose body is `stream`.
+Bytes ViewFile(const Bytes& stream, Long kind = 1) {
+  TempDir scratch;
+  const std::string body_path = scratch.File("pi.bin");
+  {
+    auto f = CreateSceneFile(body_path);
+    WriteSceneInfoForm1(*f, SceneInfo{});
+  }
+  const auto body = testing::ReadAll(body_path);
+  ViewTags tags{};
+  TagsForKind(kind, tags);
+  Bytes b = Header();
+  Chunk(b, tags.pi, 1, 1, Here(b) + 36 + static_cast<Long>(body.size()));
+  b.Raw(body);
+  Chunk(b, tags.gl, 1, 0, Here(b) + 36 + static_cast<Long>(stream.size()));
+  b.Raw(stream.data());
+  return b;
+}
+
+std::string Save(const TempDir& dir, const Bytes& b, const std::string& name = "damaged.qgl") {
+  const std::string path = dir.File(name);
+  testing::WriteAll(path, b.data());
+  return path;
+}
+
+TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
+  TempDir dir;
+  const auto r = RunQgl(dir, "info --json " + Quote(kExample));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, "");
+  const auto j = r.Json();
+  EXPECT_EQ(j["header"]["magic"], "KIVO");
+  EXPECT_EQ(j["header"]["version"], 4);
+  ASSERT_EQ(j["chunks"].size(), 6u);
+  EXPECT_EQ(j["chunks"][0]["position"], 37);
+  EXPECT_EQ(j["chunks"][0]["tag"], "PIFC");
+  EXPECT_EQ(j["chain_end"], "end_of_file");
+  ASSERT_EQ(j["views"].size(), 3u);
+  for (int kind = 1; kind <= 3; ++kind) {
+    const auto& v = j["views"][kind - 1];
+    SceneInfo info;
+    EXPECT_EQ(v["kind"], kind);
+    EXPECT_EQ(v["result"], KIVO_GLMapFile::LocateStream(kExample, kind, info));
+    EXPECT_GT(v["result"].template get<int>(), 0);
+    EXPECT_EQ(v["info"]["flags"], info.Flags);
+  }
+  EXPECT_EQ(j["views"][1]["pi_tag"], "PIAR");
+  EXPECT_EQ(j["views"][1]["gl_tag"], "GLAR");
+  // Each chunk's next is the following chunk's position.
+  for (std::size_t i = 0; i + 1 < j["chunks"].size(); ++i) {
+    EXPECT_EQ(j["chunks"][i]["next"], j["chunks"][i + 1]["position"]);
+  }
+  const auto text = RunQgl(dir, "info " + Quote(kExample));
+  EXPECT_EQ(text.status, 0);
+  EXPECT_NE(text.out.find("\"GLA3\""), std::string::npos);
+  EXPECT_NE(text.out.find("stream at"), std::string::npos);
+}
+
+TEST(QglInfo, CyclicChainIsListedOnceAndEnds) {
+  TempDir dir;
+  Bytes b = Header();
+  Chunk(b, "PIFC", 1, 1, 73);
+  Chunk(b, "XXXX", 0, 0, 37);
+  const auto r = RunQgl(dir, "info --json " + Quote(Save(dir, b)));
+  ASSERT_EQ(r.status, 0) << r.err;
+  const auto j = r.Json();
+  EXPECT_EQ(j["chunks"].size(), 2u);
+  EXPECT_EQ(j["chain_end"], "revisit");
+  EXPECT_EQ(j["views"][0]["result"], 0);
+  EXPECT_EQ(j["views"][1]["result"], -1);
+}
+
+TEST(QglInfo, BadBodyFormIsNotThisFormat) {
+  TempDir dir;
+  Bytes b = Header();
+  Chunk(b, "PIAR", 1, 2, 0);
+  const std::string path = Save(dir, b);
+  const auto r = RunQgl(dir, "info --json " + Quote(path));
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.Json()["views"][1]["result"], -2);
+  EXPECT_EQ(Lines(r.err), 1);
+  EXPECT_NE(r.err.find(path), std::string::npos);
+}
+
+TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
+  TempDir dir;
+  const std::string foreign = dir.File("foreign.qgl");
+  testing::WriteAll(foreign, {'P', 'K', 3, 4, 0, 0, 0, 0});
+  for (const char* cmd : {"info", "dump"}) {
+    SCOPED_TRACE(cmd);
+    const auto r = RunQgl(dir, std::string(cmd) + " " + Quote(foreign));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(Lines(r.err), 1);
+    EXPECT_NE(r.err.find(foreign), std::string::npos);
+    EXPECT_NE(r.err.find("not a scene file"), std::string::npos);
+
+    const std::string missing = dir.File("missing.qgl");
+    const auto m = RunQgl(dir, std::string(cmd) + " " + Quote(missing));
+    EXPECT_EQ(m.status, 2);
+    EXPECT_EQ(Lines(m.err), 1);
+    EXPECT_NE(m.err.find(missing), std::string::npos);
+
+    const auto folder = RunQgl(dir, std::string(cmd) + " " + Quote(dir.path().string()));
+    EXPECT_EQ(folder.status, 2);
+
+    EXPECT_EQ(RunQgl(dir, cmd).status, 2);  // no FILE
+    EXPECT_EQ(RunQgl(dir, std::string(cmd) + " --bogus " + Quote(kExample)).status, 2);
+    const auto help = RunQgl(dir, std::string(cmd) + " --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("--json"), std::string::npos);
+  }
+  EXPECT_EQ(RunQgl(dir, "").status, 2);
+  EXPECT_EQ(RunQgl(dir, "frobnicate x").status, 2);
+  EXPECT_EQ(RunQgl(dir, "dump --kind 4 " + Quote(kExample)).status, 2);
+  const auto help = RunQgl(dir, "--help");
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.out.find("info"), std::string::npos);
+  EXPECT_NE(help.out.find("dump"), std::string::npos);
+}
+
+TEST(QglDump, ListsEveryRecordOfEachStreamAsTheDecoderSeesIt) {
+  TempDir dir;
+  const auto r = RunQgl(dir, "dump --json " + Quote(kExample));
+  ASSERT_EQ(r.status, 0) << r.err;
+  const auto j = r.Json();
+  ASSERT_EQ(j["streams"].size(), 3u);
+  for (const auto& s : j["streams"]) {
+    SceneInfo info;
+    const Long position = s["position"];
+    EXPECT_EQ(position, KIVO_GLMapFile::LocateStream(kExample, s["kind"], info));
+    EXPECT_EQ(s["form"], "framed");
+    const auto decoded = testing::DecodeFile(kExample, position);
+    ASSERT_EQ(s["records"].size(), decoded.records.size());
+    for (std::size_t i = 0; i < decoded.records.size(); ++i) {
+      const auto& rec = s["records"][i];
+      const Record& want = decoded.records[i];
+      ASSERT_EQ(rec["position"], want.position);
+      ASSERT_EQ(rec["op"], want.op);
+      ASSERT_EQ(rec["length"], want.length);
+      ASSERT_EQ(rec["name"], std::string(want.spec()->method));
+      ASSERT_EQ(rec["args"].size(), want.ArgCount());
+    }
+    EXPECT_EQ(s["records"].back()["action"], "stop");
+  }
+  // A vertex's arguments come out as the numbers written.
+  const auto& first = j["streams"][0]["records"];
+  const auto vertex = std::find_if(first.begin(), first.end(),
+                                   [](const auto& rec) { return rec["name"] == "oglVertex3f"; });
+  ASSERT_NE(vertex, first.end());
+  EXPECT_EQ((*vertex)["args"], nlohmann::json::parse("[0, 0, 0]"));
+  const auto colour = std::find_if(first.begin(), first.end(),
+                                   [](const auto& rec) { return rec["name"] == "oglColor3f"; });
+  ASSERT_NE(colour, first.end());
+  EXPECT_EQ((*colour)["args"], nlohmann::json::parse("[0.6, 0.6, 0.6]"));
+
+  const auto only = RunQgl(dir, "dump --json --kind 2 " + Quote(kExample)).Json();
+  ASSERT_EQ(only["streams"].size(), 1u);
+  EXPECT_EQ(only["streams"][0]["kind"], 2);
+  const auto text = RunQgl(dir, "dump --kind 3 " + Quote(kExample));
+  EXPECT_EQ(text.status, 0);
+  EXPECT_NE(text.out.find("oglMaterialfv(1032, 5634, 0.8, 0.8, 0.8, 1)"), std::string::npos);
+  EXPECT_NE(text.out.find("framed"), std::string::npos);
+}
+
+TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
+  TempDir dir;
+  Bytes framed;
+  framed.Raw(StreamHeadBytes());
+  framed.L(1).L(8).L(4).L(0);  // known op, wrong length: skip
+  framed.L(77).L(0);           // unknown op: skip
+  framed.L(0).L(4).L(0);       // op 0 with a length: skip
+  framed.L(4).L(12).S(1).S(2).S(3);
+  framed.L(9).L(-4);  // negative length: stop
+  framed.L(2).L(0);
+  auto j = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(framed)))).Json();
+  auto recs = j["streams"][0]["records"];
+  ASSERT_EQ(recs.size(), 5u);
+  EXPECT_EQ(recs[0]["action"], "skip");
+  EXPECT_EQ(recs[0]["name"], "oglBegin");
+  EXPECT_EQ(recs[0]["args"].size(), 0u);
+  EXPECT_EQ(recs[1]["name"], "unknown");
+  EXPECT_EQ(recs[2]["action"], "skip");
+  EXPECT_EQ(recs[3]["action"], "play");
+  EXPECT_EQ(recs[3]["position"], recs[2]["position"].template get<int>() + 12);
+  EXPECT_EQ(recs[4]["action"], "stop");
+  EXPECT_EQ(recs[4]["length"], -4);
+
+  Bytes unframed;
+  unframed.L(1).L(1).L(15).L(4).S(5).S(6).S(7).L(2).L(0);
+  j = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(unframed, 2)))).Json();
+  EXPECT_EQ(j["streams"][0]["form"], "unframed");
+  recs = j["streams"][0]["records"];
+  ASSERT_EQ(recs.size(), 5u);
+  EXPECT_EQ(recs[1]["op"], 15);
+  EXPECT_EQ(recs[1]["action"], "skip");
+  EXPECT_EQ(recs[1]["length"], -1);
+  EXPECT_EQ(recs[2]["args"], nlohmann::json::parse("[5, 6, 7]"));
+
+  j = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(Bytes().L(-5).L(2).L(0), 3)))).Json();
+  EXPECT_EQ(j["streams"][0]["form"], "none");
+  EXPECT_TRUE(j["streams"][0]["records"].empty());
+
+  Bytes overflow;
+  overflow.Raw(StreamHeadBytes()).L(99).L(std::numeric_limits<Long>::max() - 10);
+  const auto o = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(overflow))));
+  EXPECT_EQ(o.status, 0);
+  j = o.Json();
+  EXPECT_EQ(j["streams"][0]["records"].size(), 1u);
+  EXPECT_EQ(j["streams"][0]["error"]["number"], 6);
+}
+
+TEST(QglDump, TruncatedFilesNeverCrashTheTool) {
+  TempDir dir;
+  const auto full = testing::ReadAll(kExample);
+  const std::string path = dir.File("cut.qgl");
+  // Cuts around every chunk boundary and a spread of other places.
+  std::vector<std::size_t> cuts = {0, 3, 4, 35, 36, 37, 72, 73};
+  for (std::size_t n = 100; n < full.size(); n += 331) cuts.push_back(n);
+  for (Long p : {288, 3028, 3271, 4523, 4781}) {
+    for (Long d : {-1, 0, 35, 36, 37}) cuts.push_back(static_cast<std::size_t>(p + d - 1));
+  }
+  for (std::size_t n : cuts) {
+    SCOPED_TRACE(n);
+    testing::WriteAll(path, std::vector<unsigned char>(full.begin(), full.begin() + n));
+    const auto d = RunQgl(dir, "dump --json " + Quote(path));
+    ASSERT_TRUE(d.status == 0 || (n < 5 && d.status == 1)) << d.status << d.err;
+    if (d.status == 0) {
+      EXPECT_NO_THROW(d.Json());
+    }
+    const auto i = RunQgl(dir, "info " + Quote(path));
+    ASSERT_TRUE(i.status == 0 || (n < 5 && i.status == 1)) << i.status << i.err;
+  }
+}
+
+TEST(ExampleScene, CommittedFileIsWhatTheWriterMakes) {
+  TempDir dir;
+  const std::string out = dir.File("example.qgl");
+  ASSERT_EQ(std::system((Quote(MAKE_EXAMPLE_BINARY) + " " + Quote(out)).c_str()), 0);
+  EXPECT_EQ(testing::ReadAll(out), testing::ReadAll(kExample))
+      << "rebuild it: cmake --build build --target update_example_scene";
+  // It holds what the README promises: lines, coloured triangles, polygons.
+  const auto decoded = testing::DecodeFile(out, [&] {
+    SceneInfo info;
+    return KIVO_GLMapFile::LocateStream(out, 1, info);
+  }());
+  std::set<Long> ops;
+  for (const Record& r : decoded.records) ops.insert(r.op);
+  for (Long op : {kOpBegin, kOpVertex3f, kOpColorLong, kOpColor3f, kOpTessBeginPoly,
+                  kOpTessVector3d, kOpTessVector3dv, kOpTessEndPoly, kOpBlockBegin}) {
+    EXPECT_TRUE(ops.count(op)) << op;
+  }
+}
+
+}  // namespace
+}  // namespace quelo
