@@ -29,6 +29,7 @@ class FontCache {
       if (face != nullptr) FT_Done_Face(face);
     }
     if (library_ != nullptr) FT_Done_FreeType(library_);
+    if (config_ != nullptr) FcConfigDestroy(config_);
   }
 
   // The face of font, sized; nullptr when the font cannot be found or read.
@@ -41,8 +42,14 @@ class FontCache {
     int index = 0;
     if (!font.name.empty() && font.name[0] == '/') {
       file = font.name;
-    } else if (!Match(font.name, file, index)) {
-      return nullptr;
+    } else {
+      auto [known, fresh] = matches_.try_emplace(font.name);
+      if (fresh && !Match(font.name, known->second.first, known->second.second)) {
+        known->second.first.clear();
+      }
+      if (known->second.first.empty()) return nullptr;
+      file = known->second.first;
+      index = known->second.second;
     }
     const std::string key = file + '\n' + std::to_string(index);
     auto [it, fresh] = faces_.try_emplace(key, nullptr);
@@ -59,15 +66,18 @@ class FontCache {
   }
 
  private:
-  // The file fontconfig picks for a font name.
-  static bool Match(const std::string& name, std::string& file, int& index) {
-    if (!FcInit()) return false;
+  // The file fontconfig picks for a font name. A configuration of our own, not
+  // the process-wide one, so that it can be freed again and the toolkit's
+  // fonts are left alone.
+  bool Match(const std::string& name, std::string& file, int& index) {
+    if (config_ == nullptr) config_ = FcInitLoadConfigAndFonts();
+    if (config_ == nullptr) return false;
     FcPattern* pattern = FcNameParse(reinterpret_cast<const FcChar8*>(name.c_str()));
     if (pattern == nullptr) return false;
-    FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
+    FcConfigSubstitute(config_, pattern, FcMatchPattern);
     FcDefaultSubstitute(pattern);
     FcResult result = FcResultNoMatch;
-    FcPattern* match = FcFontMatch(nullptr, pattern, &result);
+    FcPattern* match = FcFontMatch(config_, pattern, &result);
     FcPatternDestroy(pattern);
     if (match == nullptr) return false;
     FcChar8* path = nullptr;
@@ -78,6 +88,8 @@ class FontCache {
     return found;
   }
 
+  FcConfig* config_ = nullptr;
+  std::map<std::string, std::pair<std::string, int>> matches_;  // name -> file, index
   FT_Library library_ = nullptr;
   std::map<std::string, FT_Face> faces_;
 };
