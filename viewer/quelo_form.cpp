@@ -124,12 +124,12 @@ std::vector<MenuLine> Quelo_Form::MenuBar() {
       {"View_Menu", "&View", "View_FullRoom", &View_FullRoom, S::kNone},
       {"View_Menu", "&View", "View_ZoomIn", &View_ZoomIn, S::kF11},
       {"View_Menu", "&View", "View_ZoomOut", &View_ZoomOut, S::kF12},
-      {"Utils_Menu", "&Utilities", "Utils_LightsOn", &Utils_LightsOn, S::kNone},
+      {"Utils_Menu", "&Utilities", "Utils_LightsOn", &Utils_LightsOn, S::kNone, true},
       {"Utils_Menu", "&Utilities", "Utils_s0", nullptr, S::kNone},
-      {"Utils_Menu", "&Utilities", "Utils_AxesOn", &Utils_AxesOn, S::kNone},
-      {"Utils_Menu", "&Utilities", "Utils_GridsOn", &Utils_GridsOn, S::kNone},
+      {"Utils_Menu", "&Utilities", "Utils_AxesOn", &Utils_AxesOn, S::kNone, true},
+      {"Utils_Menu", "&Utilities", "Utils_GridsOn", &Utils_GridsOn, S::kNone, true},
       {"Utils_Menu", "&Utilities", "Utils_s1", nullptr, S::kNone},
-      {"Utils_Menu", "&Utilities", "Utils_Spin", &Utils_Spin, S::kNone},
+      {"Utils_Menu", "&Utilities", "Utils_Spin", &Utils_Spin, S::kNone, true},
       {"Help_Menu", "&Help", "Help_About", &Help_About, S::kNone},
   };
 }

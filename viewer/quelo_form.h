@@ -106,6 +106,7 @@ struct MenuLine {
   const char* name;          // "File_OpenGLFile", or "File_s1" for a separator
   MenuItemModel* item;       // null for a separator
   MenuShortcut shortcut;
+  bool check_mark = false;  // shows a check mark (the toggles and Spin)
 };
 
 // Design sizes of the form, in pixels (twips / 15).
