@@ -32,6 +32,17 @@ std::string FltkPattern(const std::string& classic) {
   return joined + "}";
 }
 
+// FLTK's choosers show each pattern after its description themselves, so a
+// description that already ends in its patterns ("KIVO OpenGL File (*.qgl)")
+// loses that ending rather than showing it twice.
+std::string WithoutPatternSuffix(const std::string& description) {
+  const auto open = description.rfind(" (");
+  if (open == std::string::npos || description.back() != ')') return description;
+  const std::string inside = description.substr(open + 2, description.size() - open - 3);
+  if (inside.find_first_of("*?") == std::string::npos) return description;
+  return description.substr(0, open);
+}
+
 }  // namespace
 
 std::string FltkFilterFromClassic(const std::string& filter) {
@@ -45,7 +56,7 @@ std::string FltkFilterFromClassic(const std::string& filter) {
     for (auto& c : description) {
       if (c == '\t' || c == '\n') c = ' ';
     }
-    out += description + '\t' + FltkPattern(parts[i + 1]);
+    out += WithoutPatternSuffix(description) + '\t' + FltkPattern(parts[i + 1]);
   }
   return out;
 }

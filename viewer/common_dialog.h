@@ -35,10 +35,11 @@ class CommonDialog {
 };
 
 // Turns a classic filter ("KIVO OpenGL File (*.qgl)|*.qgl|All files (*.*)|*.*")
-// into FLTK's ("KIVO OpenGL File (*.qgl)\t*.qgl\nAll files (*.*)\t*").
-// Patterns separated by ';' become FLTK alternatives ("{*.a,*.b}"), and "*.*"
-// becomes "*" because Linux file names need not contain a dot. A trailing
-// description without a pattern is dropped.
+// into FLTK's ("KIVO OpenGL File\t*.qgl\nAll files\t*"). FLTK shows the
+// patterns after each description itself, so a description's own trailing
+// "(*.qgl)" is left off. Patterns separated by ';' become FLTK alternatives
+// ("{*.a,*.b}"), and "*.*" becomes "*" because Linux file names need not
+// contain a dot. A trailing description without a pattern is dropped.
 std::string FltkFilterFromClassic(const std::string& filter);
 
 }  // namespace quelo

@@ -5,6 +5,7 @@
 #include <FL/fl_ask.H>
 #include <FL/fl_draw.H>
 
+#include <filesystem>
 #include <string>
 
 #include "common/runtime_error.h"
@@ -17,6 +18,13 @@ void FltkCommonDialog::ShowOpen() {
   Fl_Native_File_Chooser chooser(Fl_Native_File_Chooser::BROWSE_FILE);
   chooser.title("Open");
   chooser.filter(FltkFilterFromClassic(Filter()).c_str());
+  // Where the last file came from; at first the working directory (GTK's
+  // chooser would otherwise start in its list of recent files).
+  if (directory_.empty()) {
+    std::error_code error;
+    directory_ = std::filesystem::current_path(error).string();
+  }
+  if (!directory_.empty()) chooser.directory(directory_.c_str());
   // A proposed name with wildcards ("*.qgl") only says what to show; the
   // filter already does that. A plain name is preselected.
   const std::string proposed = FileName();
@@ -26,6 +34,9 @@ void FltkCommonDialog::ShowOpen() {
   switch (chooser.show()) {
     case 0:
       FileName(chooser.filename() != nullptr ? chooser.filename() : "");
+      if (!FileName().empty()) {
+        directory_ = std::filesystem::path(FileName()).parent_path().string();
+      }
       return;
     case 1:
       FileName("");

@@ -6,6 +6,8 @@
 #include <FL/Fl_Button.H>
 #include <FL/Fl_Window.H>
 
+#include <string>
+
 #include "common/messages.h"
 #include "viewer/common_dialog.h"
 #include "viewer/info_box.h"
@@ -17,6 +19,9 @@ namespace quelo {
 class FltkCommonDialog : public CommonDialog {
  public:
   void ShowOpen() override;
+
+ private:
+  std::string directory_;  // where the chooser opens
 };
 
 // Message boxes as FLTK's modal dialogs: warnings and errors with fl_alert,

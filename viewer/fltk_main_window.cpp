@@ -150,11 +150,16 @@ void FltkMainWindow::BuildToolbar() {
     views_[n] = new Fl_Button(0, 0, 10, 10);
     add_button(views_[n], [this, n] { form_->View_Cbt[n].UserClick(); });
   }
+  // A pressed check-style button should stand out from the others.
+  const Fl_Color pressed = fl_rgb_color(170, 200, 240);
   spin_ = new Fl_Toggle_Button(0, 0, 10, 10);
   add_button(spin_, [this] { form_->Spin_Chk.UserClick(); });
+  spin_->selection_color(pressed);
   for (std::size_t n = 0; n < modes_.size(); ++n) {
     modes_[n] = new Fl_Toggle_Button(0, 0, 10, 10);
     add_button(modes_[n], [this, n] { form_->Mouse_Chk[n].UserClick(); });
+    modes_[n]->labelsize(10);  // "Zoom Out" fits the 60-pixel button
+    modes_[n]->selection_color(pressed);
   }
 }
 

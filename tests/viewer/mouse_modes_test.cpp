@@ -65,20 +65,26 @@ TEST_F(MouseModes, EachButtonChoosesItsModeAndCursor) {
 
 TEST_F(MouseModes, SwitchingModesDoesNotReenterTheClickHandler) {
   form.Mouse_Chk[0].UserClick();
-  // Watch every Click the buttons raise from now on.
-  std::vector<bool> guarded;
+  // Watch every Click the buttons raise from now on: whether the guard was
+  // set, and whether the handler itself changed the mode or a button.
+  std::vector<std::string> clicks;
   for (auto& button : form.Mouse_Chk) {
-    button.Click = [this, &guarded, handler = button.Click] {
-      guarded.push_back(form.SettingMouseMode);
+    button.Click = [this, &clicks, handler = button.Click] {
+      const bool guard = form.SettingMouseMode;
+      const auto mode = form.MouseMode();
+      const auto buttons = Buttons();
       handler();
+      const bool acted = form.MouseMode() != mode || Buttons() != buttons;
+      clicks.push_back(std::string(guard ? "guarded" : "user") + (acted ? " acted" : " idle"));
     };
   }
   form.Mouse_Chk[1].UserClick();  // Zoom In while Drag is down
   EXPECT_EQ(form.MouseMode(), kModeZoomIn);
   EXPECT_EQ(Buttons(), (std::vector<Integer>{0, 1, 0, 0}));
-  // The user's click, then the setter's three changes (1 and 0 released, 1
-  // pressed again), each of which found the guard set.
-  EXPECT_EQ(guarded, (std::vector<bool>{false, true, true, true}));
+  // The setter's three changes (0 and 1 released, 1 pressed again) come first
+  // and do nothing; then the user's click ends having switched the mode.
+  EXPECT_EQ(clicks, (std::vector<std::string>{"guarded idle", "guarded idle", "guarded idle",
+                                              "user acted"}));
 }
 
 TEST_F(MouseModes, ModeFiveReleasesAllButtonsKeepsTheCursorAndDoesNothing) {

@@ -106,11 +106,13 @@ TEST(Boundary, ShowsAnyEscapedErrorAndReportsIt) {
 
 TEST(FilterConversion, ClassicFilterBecomesFltkSyntax) {
   EXPECT_EQ(FltkFilterFromClassic("KIVO OpenGL File (*.qgl)|*.qgl|All files (*.*)|*.*"),
-            "KIVO OpenGL File (*.qgl)\t*.qgl\nAll files (*.*)\t*");
+            "KIVO OpenGL File\t*.qgl\nAll files\t*");
   EXPECT_EQ(FltkFilterFromClassic("Pictures|*.png;*.jpg|Odd\tname|*.x"),
             "Pictures\t{*.png,*.jpg}\nOdd name\t*.x");
   // An empty extension stays as given; a description without pattern is dropped.
-  EXPECT_EQ(FltkFilterFromClassic("KIVO  File (*.)|*.|Lonely"), "KIVO  File (*.)\t*.");
+  EXPECT_EQ(FltkFilterFromClassic("KIVO  File (*.)|*.|Lonely"), "KIVO  File\t*.");
+  // Parentheses that hold no pattern stay.
+  EXPECT_EQ(FltkFilterFromClassic("Scenes (old)|*.kgl"), "Scenes (old)\t*.kgl");
   EXPECT_EQ(FltkFilterFromClassic(""), "");
 }
 
