@@ -32,5 +32,6 @@ extern const Command kDumpCommand;
 extern const Command kTraceCommand;
 extern const Command kDemoCommand;
 extern const Command kFormatsCommand;
+extern const Command kRenderCommand;
 
 }  // namespace quelo::qgl

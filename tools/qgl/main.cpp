@@ -20,6 +20,7 @@ const Command* const kCommands[] = {
     &quelo::qgl::kTraceCommand,
     &quelo::qgl::kDemoCommand,
     &quelo::qgl::kFormatsCommand,
+    &quelo::qgl::kRenderCommand,
 };
 
 }  // namespace
