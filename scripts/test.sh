@@ -15,7 +15,9 @@ cleanup() {
 }
 trap cleanup EXIT
 # Window tests get a private display; headless rendering (EGL) needs none.
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$dpyfile" 2>/dev/null &
+# -noreset: otherwise the server resets whenever its last client leaves, and a
+# window test that connects at that moment is refused.
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$dpyfile" 2>/dev/null &
 xvfb_pid=$!
 for _ in $(seq 100); do
   [ -s "$dpyfile" ] && break
