@@ -268,7 +268,7 @@ Long LocateStream(const std::string& file_name, Long kind, SceneInfo& info) {
   Long result = kNoGlChunk;
   WalkChunks(f, [&](Long position, const ChunkHeader& h) {
     if (h.tag != gl_tag || h.view_id != view_id) return true;
-    result = position + kChunkHeaderSize;
+    result = LongAdd(position, kChunkHeaderSize);
     return false;
   });
   return result;
