@@ -11,7 +11,7 @@ packages=(
   libx11-dev libfreetype-dev libfontconfig-dev fonts-dejavu-core libpng-dev
   nlohmann-json3-dev libcli11-dev
   # tests and benchmarks
-  libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth xdotool x11-utils
+  libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth xdotool x11-utils shared-mime-info
 )
 
 missing=()
