@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/runtime_error.h"
+#include "glctrl/fake_surface.h"
 #include "glctrl/gl_dispatch.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
@@ -535,6 +536,56 @@ TEST_F(ViewTest, PlainRedrawCostsOneListCallTheAxesAndTheSwap) {
   EXPECT_EQ(after, expected);
   EXPECT_EQ(Count(lines, "glNewList("), 0);
   EXPECT_EQ(Count(lines, "glGenLists("), 0);
+}
+
+TEST_F(ViewTest, ZoomBarSetsTheWindowToTheFullBoxTimesTheZoomAboutTheCentre) {
+  SetRoom(0, 100, 0, 2, 0, 10);
+  view.HorAng(0);
+  view.VerAng(0);
+  view.WinXMin = 20;
+  view.WinXMax = 40;
+  view.WinYMin = 4;
+  view.WinYMax = 6;
+  ScopedTracingGL trace;
+  view.Zoom_Scr.Value(128);  // the handler runs
+  const double z = view.GetOrthoZoom();
+  // The full box is 100 x 10; the centre (30, 5) stays.
+  EXPECT_NEAR(view.WinXMax - view.WinXMin, 100 * z, 1e-4);
+  EXPECT_NEAR(view.WinYMax - view.WinYMin, 10 * z, 1e-4);
+  EXPECT_NEAR((view.WinXMin + view.WinXMax) / 2, 30, 1e-4);
+  EXPECT_NEAR((view.WinYMin + view.WinYMax) / 2, 5, 1e-4);
+  EXPECT_EQ(Count(trace.Lines(), "glCallList("), 1);  // and redrew
+
+  view.Busy = true;  // the form's own writes do not redraw
+  trace.Clear();
+  view.Zoom_Scr.Value(100);
+  EXPECT_TRUE(trace.Lines().empty());
+  EXPECT_NEAR((view.WinXMin + view.WinXMax) / 2, 30, 1e-4);
+}
+
+TEST_F(ViewTest, GlStartRunsOnceOnTheDrawingAreasSurface) {
+  FakeSurface surface;
+  view.FacePbx.hDC(&surface);
+  view.FacePbx.AutoRedraw(true);
+  view.FormWidth = 12300;
+  view.FormHeight = 9300;
+  ScopedTracingGL trace;
+  view.prv_InitGL();
+  EXPECT_EQ(view.FaceGL.ExtHDC(), &surface);
+  EXPECT_FALSE(view.FacePbx.AutoRedraw());
+  EXPECT_EQ(view.FormWidth, 12300);
+  EXPECT_EQ(view.FormHeight, 9300);
+  EXPECT_EQ(std::count(surface.log.begin(), surface.log.end(), "CreateContext()"), 1);
+  // The font lists exist before any scene text: "HALLO" was drawn.
+  EXPECT_NE(view.FaceGL.FontListBase, 0);
+  EXPECT_EQ(Count(trace.Lines(), "glRasterPos3f(0, 0, 0)"), 1);
+
+  const auto log_size = surface.log.size();
+  trace.Clear();
+  view.prv_InitGL();
+  EXPECT_EQ(surface.log.size(), log_size);
+  EXPECT_TRUE(trace.Lines().empty());
+  view.FaceGL.auxShutDown();
 }
 
 }  // namespace
