@@ -130,9 +130,13 @@ FltkInfoBoxWindow::FltkInfoBoxWindow() : Fl_Window(kWidth, 200) {
   info_->labelsize(12);
   info_->tooltip("Click for the free resources");
   ok_ = new Fl_Button(kWidth - kMargin - 80, 0, 80, 26, "OK");
-  ok_->callback([](Fl_Widget* w, void*) { w->window()->hide(); });
+  ok_->callback(OnOk, this);
   end();
   Mirror();
+}
+
+void FltkInfoBoxWindow::OnOk(Fl_Widget* /*button*/, void* self) {
+  static_cast<FltkInfoBoxWindow*>(self)->hide();
 }
 
 void FltkInfoBoxWindow::Mirror() {

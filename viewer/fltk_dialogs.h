@@ -40,6 +40,7 @@ class FltkInfoBoxWindow : public Fl_Window {
 
  private:
   class Label;
+  static void OnOk(Fl_Widget* button, void* self);
   void Mirror();
 
   InfoBox model_;

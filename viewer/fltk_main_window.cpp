@@ -273,7 +273,11 @@ void FltkMainWindow::UnloadAllForms() {
 }
 
 void FltkMainWindow::ShowInfoBox() {
-  if (!info_box_) info_box_ = std::make_unique<FltkInfoBoxWindow>();
+  if (!info_box_) {
+    info_box_ = std::make_unique<FltkInfoBoxWindow>();
+    // Over the middle of the main window, where the eye already is.
+    info_box_->position(x() + (w() - info_box_->w()) / 2, y() + (h() - info_box_->h()) / 3);
+  }
   info_box_->show();
 }
 
