@@ -13,7 +13,8 @@ namespace {
 
 using quelo::qgl::Command;
 
-// The subcommands, in the order `qgl --help` lists them.
+// The subcommands, in the order `qgl --help` lists them; one line each.
+// clang-format off
 const Command* const kCommands[] = {
     &quelo::qgl::kInfoCommand,
     &quelo::qgl::kDumpCommand,
@@ -22,6 +23,7 @@ const Command* const kCommands[] = {
     &quelo::qgl::kFormatsCommand,
     &quelo::qgl::kRenderCommand,
 };
+// clang-format on
 
 }  // namespace
 
