@@ -85,7 +85,12 @@ class ViewerWindow : public ::testing::Test {
       if (require != nullptr && std::string(require) == "1") FAIL() << "DISPLAY is not set";
       GTEST_SKIP() << "no DISPLAY: the window tests need an X server (scripts/test.sh starts Xvfb)";
     }
-    dpy_ = XOpenDisplay(nullptr);
+    // An X server without -noreset starts over when its last client leaves
+    // (as the previous test's did) and refuses connections meanwhile.
+    for (int i = 0; i < 60 && dpy_ == nullptr; ++i) {
+      dpy_ = XOpenDisplay(nullptr);
+      if (dpy_ == nullptr) std::this_thread::sleep_for(50ms);
+    }
     ASSERT_NE(dpy_, nullptr) << "cannot open display " << display;
     std::filesystem::create_directories(ScreensDir());
   }
