@@ -15,17 +15,18 @@ namespace {
 // Xlib and GLX are loaded at run time: programs that link the control but
 // never open a window (the headless tools) need no X libraries, and a machine
 // without them gets a message.
-#define QUELO_XLIB_FUNCTIONS(F)                                                       \
-  F(XOpenDisplay)                                                                     \
-  F(XCloseDisplay) F(XSync) F(XSetErrorHandler) F(XCreateColormap) F(XFlush) F(XFree) \
-      F(XFreeColormap) F(XGetWindowAttributes) F(XSetWindowColormap) F(XStoreColors)  \
-          F(XVisualIDFromVisual)
-#define QUELO_GLX_FUNCTIONS(F)                                                                 \
-  F(glXCreateNewContext)                                                                       \
-  F(glXCreateWindow) F(glXDestroyContext) F(glXDestroyWindow) F(glXGetCurrentContext)          \
-      F(glXGetCurrentDrawable) F(glXGetFBConfigAttrib) F(glXGetFBConfigs) F(glXGetProcAddress) \
-          F(glXGetVisualFromFBConfig) F(glXMakeContextCurrent) F(glXQueryExtension)            \
-              F(glXQueryExtensionsString) F(glXSwapBuffers)
+// clang-format off
+#define QUELO_XLIB_FUNCTIONS(F)                                                   \
+  F(XOpenDisplay) F(XCloseDisplay) F(XSync) F(XSetErrorHandler) F(XFlush)         \
+  F(XFree) F(XCreateColormap) F(XFreeColormap) F(XGetWindowAttributes)            \
+  F(XSetWindowColormap) F(XStoreColors) F(XVisualIDFromVisual)
+#define QUELO_GLX_FUNCTIONS(F)                                                    \
+  F(glXQueryExtension) F(glXQueryExtensionsString) F(glXGetProcAddress)           \
+  F(glXGetFBConfigs) F(glXGetFBConfigAttrib) F(glXGetVisualFromFBConfig)          \
+  F(glXCreateWindow) F(glXDestroyWindow) F(glXCreateNewContext)                   \
+  F(glXDestroyContext) F(glXMakeContextCurrent) F(glXGetCurrentContext)           \
+  F(glXGetCurrentDrawable) F(glXSwapBuffers)
+// clang-format on
 
 struct GlxApi {
   std::string error;  // non-empty: unusable
