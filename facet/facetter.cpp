@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <random>
 
 #include "common/runtime_error.h"
 #include "facet/tess_state.h"
@@ -50,17 +49,23 @@ Single Sqrt(Single v) {
   return SqrtSingle(v);
 }
 
-// The generator of the random in-plane axis.
-std::mt19937 random_axis;
+// The generator of the random in-plane axis: SplitMix64, because every
+// polygon seeds it (twice), and seeding a Mersenne Twister costs more than
+// triangulating a small polygon.
+std::uint64_t random_state = 0;
 
 // Seeds the axis generator.
 void SeedRandom(std::uint32_t seed) {
-  random_axis.seed(seed);
+  random_state = seed;
 }
 
 // A uniform number in [0, 1) from the top 24 bits of the generator, exact in Single.
 Single Random01() {
-  return static_cast<Single>(random_axis() >> 8) * (1.0f / 16777216.0f);
+  std::uint64_t z = (random_state += 0x9E3779B97F4A7C15ull);
+  z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+  z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+  z ^= z >> 31;
+  return static_cast<Single>(z >> 40) * (1.0f / 16777216.0f);
 }
 
 // A clock reading to re-seed the axis generator with.
