@@ -15,8 +15,8 @@ class OpenGL_Ctrl;
 using RoomBoxValues = std::array<Single, 6>;
 
 struct SceneListState {
-  Long RenderList = 0;          // display-list name, 0 when none
-  RoomBoxValues RoomBox{};      // filled when a file is loaded
+  Long RenderList = 0;      // display-list name, 0 when none
+  RoomBoxValues RoomBox{};  // filled when a file is loaded
 };
 
 // Deletes and regenerates the list when Reload is true (or none exists),
