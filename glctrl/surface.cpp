@@ -1,5 +1,7 @@
 #include "glctrl/surface.h"
 
+#include <cstring>
+
 namespace quelo {
 
 namespace {
@@ -69,6 +71,17 @@ bool DeleteContext(RenderingContext* rc) {
   if (rc == g_current_context) MakeNoneCurrent();
   delete rc;
   return true;
+}
+
+bool ExtensionListHas(const char* list, const char* word) {
+  if (list == nullptr) return false;
+  const std::size_t n = std::strlen(word);
+  for (const char* p = list; (p = std::strstr(p, word)) != nullptr; p += n) {
+    const bool starts = p == list || p[-1] == ' ';
+    const bool ends = p[n] == '\0' || p[n] == ' ';
+    if (starts && ends) return true;
+  }
+  return false;
 }
 
 }  // namespace quelo

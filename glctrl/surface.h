@@ -97,4 +97,7 @@ bool MakeNoneCurrent();
 // Deletes rc (released first when current); false for nullptr.
 bool DeleteContext(RenderingContext* rc);
 
+// Whether a blank-separated extension list (EGL, GLX) names `word` whole.
+bool ExtensionListHas(const char* list, const char* word);
+
 }  // namespace quelo

@@ -65,17 +65,6 @@ bool ResolveGL(const EglLibrary& egl, F& f, const char* name) {
   return f != nullptr;
 }
 
-bool HasWord(const char* list, const char* word) {
-  if (list == nullptr) return false;
-  const std::size_t n = std::strlen(word);
-  for (const char* p = list; (p = std::strstr(p, word)) != nullptr; p += n) {
-    const bool starts = p == list || p[-1] == ' ';
-    const bool ends = p[n] == '\0' || p[n] == ' ';
-    if (starts && ends) return true;
-  }
-  return false;
-}
-
 class EglContext : public RenderingContext {
  public:
   EglContext(EglLibrary* egl, EGLContext context, int format)
@@ -119,7 +108,8 @@ EglLibrary::EglLibrary(const std::string& name) {
     error = "EGL is not available: " + name + " lacks EGL 1.5 entry points";
     return;
   }
-  if (!HasWord(QueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS), "EGL_MESA_platform_surfaceless")) {
+  if (!ExtensionListHas(QueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS),
+                        "EGL_MESA_platform_surfaceless")) {
     error =
         "EGL is not available: no surfaceless platform (EGL_MESA_platform_surfaceless); "
         "install Mesa's EGL (libegl-mesa0)";
@@ -168,8 +158,8 @@ bool EglLibrary::SoftwareDevice() const {
   if (query_display == nullptr || query_device == nullptr) return false;
   EGLAttrib device = 0;
   if (!query_display(display, EGL_DEVICE_EXT, &device) || device == 0) return false;
-  return HasWord(query_device(reinterpret_cast<EGLDeviceEXT>(device), EGL_EXTENSIONS),
-                 "EGL_MESA_device_software");
+  return ExtensionListHas(query_device(reinterpret_cast<EGLDeviceEXT>(device), EGL_EXTENSIONS),
+                          "EGL_MESA_device_software");
 }
 
 void EglLibrary::ListFormats() {

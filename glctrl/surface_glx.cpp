@@ -102,17 +102,6 @@ class XErrorTrap {
   int (*previous_)(Display*, XErrorEvent*);
 };
 
-bool HasWord(const char* list, const char* word) {
-  if (list == nullptr) return false;
-  const std::size_t n = std::strlen(word);
-  for (const char* p = list; (p = std::strstr(p, word)) != nullptr; p += n) {
-    const bool starts = p == list || p[-1] == ' ';
-    const bool ends = p[n] == '\0' || p[n] == ' ';
-    if (starts && ends) return true;
-  }
-  return false;
-}
-
 std::uint8_t Byte(int v) {
   return static_cast<std::uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v));
 }
@@ -186,7 +175,7 @@ GlxSurface::~GlxSurface() {
 
 void GlxSurface::ListFormats() {
   const char* extensions = Api().glXQueryExtensionsString(display_, screen_);
-  if (HasWord(extensions, "GLX_MESA_query_renderer")) {
+  if (ExtensionListHas(extensions, "GLX_MESA_query_renderer")) {
     using QueryRenderer = Bool (*)(Display*, int, int, int, unsigned int*);
     auto query = reinterpret_cast<QueryRenderer>(
         Api().glXGetProcAddress(reinterpret_cast<const GLubyte*>("glXQueryRendererIntegerMESA")));
@@ -196,8 +185,8 @@ void GlxSurface::ListFormats() {
       software_ = accelerated == 0;
     }
   }
-  const bool swap_method = HasWord(extensions, "GLX_OML_swap_method");
-  const bool srgb = HasWord(extensions, "GLX_ARB_framebuffer_sRGB");
+  const bool swap_method = ExtensionListHas(extensions, "GLX_OML_swap_method");
+  const bool srgb = ExtensionListHas(extensions, "GLX_ARB_framebuffer_sRGB");
   const int default_depth = DefaultDepth(display_, screen_);
   const int default_class = DefaultVisual(display_, screen_)->c_class;
 

@@ -1,4 +1,5 @@
 #include "common/binary_file.h"
+#include "error_of.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,14 +14,7 @@ using quelo::testing::ReadAll;
 using quelo::testing::TempDir;
 using quelo::testing::WriteAll;
 
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using quelo::testing::ErrorOf;
 
 TEST(BinaryFile, PositionsAreOneBasedAndFieldsLittleEndian) {
   TempDir dir;

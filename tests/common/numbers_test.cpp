@@ -1,4 +1,5 @@
 #include "common/numbers.h"
+#include "error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -10,14 +11,7 @@
 namespace quelo {
 namespace {
 
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using quelo::testing::ErrorOf;
 
 TEST(Numbers, ConversionsRoundHalfToEven) {
   EXPECT_EQ(CInt(0.5), 0);

@@ -7,6 +7,7 @@
 
 #include "common/binary_file.h"
 #include "common/runtime_error.h"
+#include "error_of.h"
 #include "facet/tess_state.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
@@ -30,14 +31,7 @@ void PutLong(Bytes& b, Long v) {
   for (int i = 0; i < 4; ++i) b.push_back(static_cast<unsigned char>(u >> (8 * i)));
 }
 
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using quelo::testing::ErrorOf;
 
 class Recording : public ::testing::Test {
  protected:

@@ -10,6 +10,7 @@
 #include "common/binary_file.h"
 #include "common/messages.h"
 #include "common/runtime_error.h"
+#include "error_of.h"
 #include "facet/tess_state.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
@@ -22,14 +23,7 @@ namespace {
 using Lines = std::vector<std::string>;
 using Corner = std::array<double, 3>;
 
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using quelo::testing::ErrorOf;
 
 class Polygon : public ::testing::Test {
  protected:

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/runtime_error.h"
+#include "error_of.h"
 #include "glctrl/fake_surface.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
@@ -49,15 +50,6 @@ double Advance(const std::string& line) {
   std::string value;
   for (int i = 0; i < 5; ++i) std::getline(args, value, ',');
   return std::stod(value);
-}
-
-int RunTimeErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
 }
 
 class TextTest : public ::testing::Test {
@@ -123,10 +115,10 @@ TEST_F(TextTest, EveryTextOutCallMakes96NewListsAndDrawsAtZ0) {
 }
 
 TEST_F(TextTest, EmptyTextIsASubscriptErrorAfterTheLists) {
-  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.fntPrintAt("", 0, 0, 0); }), kErrSubscript);
+  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.fntPrintAt("", 0, 0, 0); }), kErrSubscript);
   EXPECT_EQ(ctrl.FontListBase, 101);
-  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.auxTextOutA("", 0, 0); }), kErrSubscript);
-  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.auxTextOutW("", 0, 0); }), kErrSubscript);
+  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.auxTextOutA("", 0, 0); }), kErrSubscript);
+  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.auxTextOutW("", 0, 0); }), kErrSubscript);
   EXPECT_EQ(CountPrefix(trace.Lines(), "glCallLists("), 0);
 }
 
@@ -137,15 +129,16 @@ TEST_F(TextTest, CharactersAreSentAsSingleByteCodes) {
   EXPECT_EQ(trace.Lines().back(), "glCallLists(1, GL_UNSIGNED_BYTE, [233])");
   // The euro sign has no code below 256.
   const auto before = trace.Lines().size();
-  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.fntPrintAt("a\xE2\x82\xAC", 0, 0, 0); }), kErrOverflow);
-  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.auxTextOutW("\xE2\x82\xAC", 0, 0); }), kErrOverflow);
+  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.fntPrintAt("a\xE2\x82\xAC", 0, 0, 0); }),
+            kErrOverflow);
+  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.auxTextOutW("\xE2\x82\xAC", 0, 0); }), kErrOverflow);
   for (std::size_t i = before; i < trace.Lines().size(); ++i) {
     EXPECT_EQ(trace.Lines()[i].rfind("glCallLists(", 0), std::string::npos);
   }
 }
 
 TEST_F(TextTest, CoordinatesBeyondSinglePrecisionOverflow) {
-  EXPECT_EQ(RunTimeErrorOf([&] { ctrl.fntPrintAt("a", 1e39, 0, 0); }), kErrOverflow);
+  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.fntPrintAt("a", 1e39, 0, 0); }), kErrOverflow);
 }
 
 TEST_F(TextTest, FontThatFailsLeavesFontListBaseSetAndIsNotRetried) {

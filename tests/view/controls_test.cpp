@@ -1,4 +1,5 @@
 #include "view/controls.h"
+#include "error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -10,14 +11,7 @@
 namespace quelo {
 namespace {
 
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using quelo::testing::ErrorOf;
 
 TEST(ScrollBarModel, ValueChangeFiresChangeOnlyWhenItDiffers) {
   ScrollBarModel bar(0, 256, 4, 16, 256);

@@ -1,6 +1,7 @@
 // The view maths and the redraw, driven through the control models and the
 // tracing GL table: no display, no context.
 #include "view/view_form.h"
+#include "error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -19,14 +20,7 @@
 namespace quelo {
 namespace {
 
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
-}
+using quelo::testing::ErrorOf;
 
 long Count(const std::vector<std::string>& lines, const std::string& prefix) {
   return std::count_if(lines.begin(), lines.end(),
