@@ -17,16 +17,25 @@ namespace quelo {
 namespace {
 
 constexpr std::size_t kWindow = 64 * 1024;
+// What a jump away from the window reads: one page. A damaged chunk chain can
+// hop about a large file once per few bytes of it; a whole window per hop
+// would make such a file take minutes to walk.
+constexpr std::size_t kJumpRead = 4 * 1024;
 
 [[noreturn]] void RaiseOpenError(int err) {
   switch (err) {
-    case ENOENT: Raise(kErrFileNotFound);
-    case ENOTDIR: Raise(kErrPathNotFound);
+    case ENOENT:
+      Raise(kErrFileNotFound);
+    case ENOTDIR:
+      Raise(kErrPathNotFound);
     case EMFILE:
-    case ENFILE: Raise(kErrTooManyFiles);
+    case ENFILE:
+      Raise(kErrTooManyFiles);
     case EACCES:
-    case EPERM: Raise(kErrPermissionDenied);
-    default: Raise(kErrPathFileAccess);
+    case EPERM:
+      Raise(kErrPermissionDenied);
+    default:
+      Raise(kErrPathFileAccess);
   }
 }
 
@@ -105,11 +114,15 @@ void BinaryFile::FlushDirty() {
 }
 
 void BinaryFile::FillWindow(std::int64_t offset) {
+  // Reading on where the window ends is sequential and gets a whole window.
+  const bool sequential =
+      win_len_ > 0 && offset == win_start_ + static_cast<std::int64_t>(win_len_);
+  const std::size_t want = sequential ? buf_.size() : kJumpRead;
   FlushDirty();
   win_start_ = offset;
   win_len_ = 0;
-  while (win_len_ < buf_.size()) {
-    const ssize_t n = ::pread(fd_, buf_.data() + win_len_, buf_.size() - win_len_,
+  while (win_len_ < want) {
+    const ssize_t n = ::pread(fd_, buf_.data() + win_len_, want - win_len_,
                               static_cast<off_t>(offset + static_cast<std::int64_t>(win_len_)));
     if (n < 0) {
       if (errno == EINTR) continue;
@@ -151,7 +164,8 @@ void BinaryFile::WriteBytes(const void* data, std::size_t n) {
     const std::int64_t at = pos_ + static_cast<std::int64_t>(done);
     const std::int64_t win_end = win_start_ + static_cast<std::int64_t>(win_len_);
     // Writes go into the window when they land inside it or extend it.
-    if (at < win_start_ || at > win_end || at - win_start_ >= static_cast<std::int64_t>(buf_.size())) {
+    if (at < win_start_ || at > win_end ||
+        at - win_start_ >= static_cast<std::int64_t>(buf_.size())) {
       FillWindow(at);
       continue;
     }
@@ -171,7 +185,9 @@ void BinaryFile::WriteBytes(const void* data, std::size_t n) {
   pos_ += static_cast<std::int64_t>(n);
 }
 
-void BinaryFile::Flush() { FlushDirty(); }
+void BinaryFile::Flush() {
+  FlushDirty();
+}
 
 namespace {
 
@@ -196,10 +212,18 @@ static_assert(std::endian::native == std::endian::little, "file fields are littl
 
 }  // namespace
 
-Long BinaryFile::ReadLong() { return ReadLE<Long>(*this); }
-Integer BinaryFile::ReadInteger() { return ReadLE<Integer>(*this); }
-Single BinaryFile::ReadSingle() { return ReadLE<Single>(*this); }
-double BinaryFile::ReadDouble() { return ReadLE<double>(*this); }
+Long BinaryFile::ReadLong() {
+  return ReadLE<Long>(*this);
+}
+Integer BinaryFile::ReadInteger() {
+  return ReadLE<Integer>(*this);
+}
+Single BinaryFile::ReadSingle() {
+  return ReadLE<Single>(*this);
+}
+double BinaryFile::ReadDouble() {
+  return ReadLE<double>(*this);
+}
 
 std::string BinaryFile::ReadFixed(std::size_t n) {
   std::string s(n, '\0');
@@ -207,10 +231,18 @@ std::string BinaryFile::ReadFixed(std::size_t n) {
   return s;
 }
 
-void BinaryFile::WriteLong(Long v) { WriteLE(*this, v); }
-void BinaryFile::WriteInteger(Integer v) { WriteLE(*this, v); }
-void BinaryFile::WriteSingle(Single v) { WriteLE(*this, v); }
-void BinaryFile::WriteDouble(double v) { WriteLE(*this, v); }
+void BinaryFile::WriteLong(Long v) {
+  WriteLE(*this, v);
+}
+void BinaryFile::WriteInteger(Integer v) {
+  WriteLE(*this, v);
+}
+void BinaryFile::WriteSingle(Single v) {
+  WriteLE(*this, v);
+}
+void BinaryFile::WriteDouble(double v) {
+  WriteLE(*this, v);
+}
 
 void BinaryFile::WriteFixed(const std::string& text, std::size_t n) {
   std::string s = text.substr(0, n);

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -56,29 +57,58 @@ void DumpText(BinaryFile& f, Long kind, Long position) {
   }
 }
 
-nlohmann::json DumpJson(BinaryFile& f, Long kind, Long position) {
-  f.Seek(position);
-  RecordReader reader(f);
-  nlohmann::json stream = {{"kind", kind},
-                           {"position", position},
-                           {"form", StreamFormName(reader.form())},
-                           {"records", nlohmann::json::array()}};
-  Record r;
-  try {
-    while (reader.Next(r)) {
-      nlohmann::json args = nlohmann::json::array();
-      for (std::size_t i = 0; i < r.ArgCount(); ++i) args.push_back(JsonArg(r.Arg(i)));
-      stream["records"].push_back({{"position", r.position},
-                                   {"op", r.op},
-                                   {"length", r.length},
-                                   {"name", MethodName(r)},
-                                   {"args", args},
-                                   {"action", RecordActionName(r.action)}});
-    }
-  } catch (const RuntimeError& e) {
-    stream["error"] = {{"number", e.number()}, {"message", e.what()}};
+// JSON is written piece by piece in the layout of nlohmann's dump(2), so that
+// a stream of millions of records (a damaged file of 8-byte unknown records)
+// needs the memory of one record, not of all of them. The keys of a stream
+// come in sorted order except "error", which is known only at the end.
+std::string JsonText(const nlohmann::json& j, std::size_t depth) {
+  const std::string text = j.dump(2, ' ', false, nlohmann::json::error_handler_t::replace);
+  std::string out;
+  out.reserve(text.size());
+  for (char c : text) {
+    out += c;
+    if (c == '\n') out.append(depth * 2, ' ');
   }
-  return stream;
+  return out;
+}
+
+void DumpJson(BinaryFile& f, Long kind, Long position) {
+  std::optional<RecordReader> reader;
+  std::optional<nlohmann::json> error;
+  auto keep_error = [&error](const RuntimeError& e) {
+    error = nlohmann::json{{"number", e.number()}, {"message", e.what()}};
+  };
+  try {
+    f.Seek(position);
+    reader.emplace(f);
+  } catch (const RuntimeError& e) {
+    keep_error(e);
+  }
+  const StreamForm form = reader ? reader->form() : StreamForm::kNone;
+  std::cout << "    {\n"
+            << "      \"form\": " << JsonText(StreamFormName(form), 3) << ",\n"
+            << "      \"kind\": " << kind << ",\n"
+            << "      \"position\": " << position << ",\n"
+            << "      \"records\": [";
+  std::size_t count = 0;
+  if (reader) {
+    Record r;
+    try {
+      while (reader->Next(r)) {
+        nlohmann::json args = nlohmann::json::array();
+        for (std::size_t i = 0; i < r.ArgCount(); ++i) args.push_back(JsonArg(r.Arg(i)));
+        const nlohmann::json rec = {
+            {"position", r.position}, {"op", r.op},   {"length", r.length},
+            {"name", MethodName(r)},  {"args", args}, {"action", RecordActionName(r.action)}};
+        std::cout << (count++ == 0 ? "\n" : ",\n") << "        " << JsonText(rec, 4);
+      }
+    } catch (const RuntimeError& e) {
+      keep_error(e);
+    }
+  }
+  std::cout << (count == 0 ? "]" : "\n      ]");
+  if (error) std::cout << ",\n      \"error\": " << JsonText(*error, 3);
+  std::cout << "\n    }";
 }
 
 int Run(const Options& o) {
@@ -92,34 +122,52 @@ int Run(const Options& o) {
   } else {
     for (Long k = 1; k <= kViewKindCount; ++k) kinds.push_back(k);
   }
-  nlohmann::json out = {
-      {"file", o.file}, {"views", nlohmann::json::array()}, {"streams", nlohmann::json::array()}};
-  bool foreign = false;
+  // Every view is located before anything is printed, so that a file that
+  // cannot be read gives its one-line message and no half-written JSON.
+  std::vector<Long> results;
   try {
     for (Long kind : kinds) {
       SceneInfo info;
-      const Long result = KIVO_GLMapFile::LocateStream(o.file, kind, info);
-      foreign = foreign || result == KIVO_GLMapFile::kNotSceneFile;
-      out["views"].push_back({{"kind", kind}, {"result", result}});
-      if (result <= 0) {
-        if (!o.json) {
-          std::cout << "kind " << kind << ": no stream (" << result << ", "
-                    << DescribeLocateResult(result) << ")\n";
-        }
-        continue;
-      }
-      if (o.json) {
-        out["streams"].push_back(DumpJson(*file, kind, result));
-      } else {
-        DumpText(*file, kind, result);
-      }
+      results.push_back(KIVO_GLMapFile::LocateStream(o.file, kind, info));
     }
   } catch (const RuntimeError& e) {
     PrintFileError(o.file, std::string("cannot read: ") + e.what());
     return kExitUsage;
   }
-  if (o.json)
-    std::cout << out.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+  bool foreign = false;
+  for (Long result : results) foreign = foreign || result == KIVO_GLMapFile::kNotSceneFile;
+
+  if (o.json) {
+    std::cout << "{\n  \"file\": " << JsonText(o.file, 1) << ",\n  \"streams\": [";
+    std::size_t streams = 0;
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+      if (results[i] <= 0) continue;
+      std::cout << (streams++ == 0 ? "\n" : ",\n");
+      DumpJson(*file, kinds[i], results[i]);
+    }
+    std::cout << (streams == 0 ? "]" : "\n  ]") << ",\n  \"views\": [";
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+      const nlohmann::json view = {{"kind", kinds[i]}, {"result", results[i]}};
+      std::cout << (i == 0 ? "\n" : ",\n") << "    " << JsonText(view, 2);
+    }
+    std::cout << (kinds.empty() ? "]" : "\n  ]") << "\n}\n";
+  } else {
+    try {
+      for (std::size_t i = 0; i < kinds.size(); ++i) {
+        if (results[i] <= 0) {
+          std::cout << "kind " << kinds[i] << ": no stream (" << results[i] << ", "
+                    << DescribeLocateResult(results[i]) << ")\n";
+          continue;
+        }
+        DumpText(*file, kinds[i], results[i]);
+      }
+    } catch (const RuntimeError& e) {
+      std::cout.flush();
+      PrintFileError(o.file, std::string("cannot read: ") + e.what());
+      return kExitUsage;
+    }
+  }
+  std::cout.flush();
   if (foreign) {
     PrintFileError(
         o.file, "not a scene file of this format (a PI chunk with a body form other than 0 or 1)");
