@@ -1,0 +1,70 @@
+// Every input that once made a fuzz target fail, replayed through the same
+// entry point (fuzz/fuzz_entries.cpp); the entry points abort on a broken
+// promise, and the sanitizer build catches what went wrong in memory. The
+// committed seeds go through the same doors, so that the entry points
+// themselves are known to accept sound files.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "fuzz/fuzz_entries.h"
+#include "temp_dir.h"
+
+namespace quelo {
+namespace {
+
+using testing::ReadAll;
+using testing::TempDir;
+
+enum class Door { kDecoder, kContainer, kScene };
+
+void Replay(Door door, const std::string& input) {
+  SCOPED_TRACE(input);
+  TempDir dir;
+  ASSERT_TRUE(std::filesystem::is_regular_file(input));
+  const auto bytes = ReadAll(input);
+  const std::string path = dir.File("input.qgl");
+  switch (door) {
+    case Door::kDecoder:
+      fuzz::DecodeStreamBytes(path, bytes.data(), bytes.size());
+      break;
+    case Door::kContainer:
+      fuzz::LocateInBytes(path, bytes.data(), bytes.size());
+      break;
+    case Door::kScene:
+      for (long marking = 0; marking <= 4; ++marking) {
+        fuzz::LoadSceneBytes(path, bytes.data(), bytes.size(), marking);
+      }
+      break;
+  }
+}
+
+std::vector<std::string> FilesIn(const std::string& folder) {
+  std::vector<std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.is_regular_file()) files.push_back(entry.path().string());
+  }
+  return files;
+}
+
+const std::string kSeeds = QUELO_SOURCE_DIR "/fuzz/corpus/";
+const std::string kInputs = QUELO_SOURCE_DIR "/tests/hardening/inputs/";
+
+TEST(FuzzSeeds, PassEveryEntryPoint) {
+  for (const auto& f : FilesIn(kSeeds + "decoder")) Replay(Door::kDecoder, f);
+  for (const char* target : {"container", "scene"}) {
+    for (const auto& f : FilesIn(kSeeds + target)) {
+      Replay(Door::kContainer, f);
+      Replay(Door::kScene, f);
+    }
+  }
+  for (const char* example : {"example.qgl", "demo.qgl"}) {
+    Replay(Door::kContainer, QUELO_SOURCE_DIR "/examples/" + std::string(example));
+    Replay(Door::kScene, QUELO_SOURCE_DIR "/examples/" + std::string(example));
+  }
+}
+
+}  // namespace
+}  // namespace quelo
