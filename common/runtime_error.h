@@ -12,11 +12,11 @@ namespace quelo {
 
 // Error numbers in use. Their texts are those users of the first platform know.
 enum ErrorNumber : int {
-  kErrInvalidCall = 5,          // "Invalid procedure call or argument"
-  kErrOverflow = 6,             // "Overflow"
-  kErrOutOfMemory = 7,          // "Out of memory"
-  kErrSubscript = 9,            // "Subscript out of range"
-  kErrDivisionByZero = 11,      // "Division by zero"
+  kErrInvalidCall = 5,      // "Invalid procedure call or argument"
+  kErrOverflow = 6,         // "Overflow"
+  kErrOutOfMemory = 7,      // "Out of memory"
+  kErrSubscript = 9,        // "Subscript out of range"
+  kErrDivisionByZero = 11,  // "Division by zero"
   kErrBadFileNameOrNumber = 52,
   kErrFileNotFound = 53,
   kErrBadFileMode = 54,
@@ -29,7 +29,7 @@ enum ErrorNumber : int {
   kErrPathFileAccess = 75,
   kErrPathNotFound = 76,
   kErrInvalidPropertyValue = 380,  // a control property set out of its range
-  kErrDialogCancel = 32755,     // the open dialog's cancel
+  kErrDialogCancel = 32755,        // the open dialog's cancel
 };
 
 // The message text that belongs to an error number.

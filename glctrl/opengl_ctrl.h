@@ -92,16 +92,34 @@ class OpenGL_Ctrl {
 #include "glctrl/ogl_passthrough.inc"
 
   // ---- Rendering context -----------------------------------------------------
-  DrawingSurface* ExtHDC() const { return ext_hdc_; }
-  void ExtHDC(DrawingSurface* NewHDC) { ext_hdc_ = NewHDC; }
-  Long InitFlags() const { return init_flags_; }
-  void InitFlags(Long NewBits) { init_flags_ = NewBits; }
-  Long InitDepthBits() const { return init_depth_bits_; }
-  void InitDepthBits(Long NewBits) { init_depth_bits_ = NewBits; }
-  Long InitColorBits() const { return init_color_bits_; }
-  void InitColorBits(Long NewBits) { init_color_bits_ = NewBits; }
+  DrawingSurface* ExtHDC() const {
+    return ext_hdc_;
+  }
+  void ExtHDC(DrawingSurface* NewHDC) {
+    ext_hdc_ = NewHDC;
+  }
+  Long InitFlags() const {
+    return init_flags_;
+  }
+  void InitFlags(Long NewBits) {
+    init_flags_ = NewBits;
+  }
+  Long InitDepthBits() const {
+    return init_depth_bits_;
+  }
+  void InitDepthBits(Long NewBits) {
+    init_depth_bits_ = NewBits;
+  }
+  Long InitColorBits() const {
+    return init_color_bits_;
+  }
+  void InitColorBits(Long NewBits) {
+    init_color_bits_ = NewBits;
+  }
   // The rendering context is never exposed: always 0.
-  Long hglRC() const { return 0; }
+  Long hglRC() const {
+    return 0;
+  }
   bool InitRC();  // true on success
   void SetDCPixelFormat();
   Long prv_ChoosePixelFormat(DrawingSurface& hDC);
@@ -132,7 +150,7 @@ class OpenGL_Ctrl {
   Long init_depth_bits_ = 0;
   Long init_color_bits_ = 0;
   RenderingContext* rendering_context_ = nullptr;  // deleted by auxShutDown
-  Long initialised_ = 0;               // -1 while initialised
+  Long initialised_ = 0;                           // -1 while initialised
 };
 
 }  // namespace quelo

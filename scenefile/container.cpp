@@ -132,8 +132,12 @@ SceneInfo ConvertForm0(const SceneInfoForm0& old) {
   return info;
 }
 
-SceneInfo ReadSceneInfoForm1(BinaryFile& f) {
-  SceneInfo info;
+namespace {
+
+// The two forms share every field but the revision, which only form 1 has
+// (it sits between the setup and the title).
+template <typename Info>
+void ReadSharedHead(BinaryFile& f, Info& info) {
   info.Flags = f.ReadLong();
   info.DrawingNo = f.ReadFixed(kDrawingNoSize);
   info.ProjectName = f.ReadFixed(kProjectNameSize);
@@ -141,6 +145,24 @@ SceneInfo ReadSceneInfoForm1(BinaryFile& f) {
   ReadLongs(f, info.LayerStates);
   info.Setup.Flags = f.ReadLong();
   info.Setup.Scale = f.ReadSingle();
+}
+
+template <typename Info>
+void WriteSharedHead(BinaryFile& f, const Info& info) {
+  f.WriteLong(info.Flags);
+  f.WriteFixed(info.DrawingNo, kDrawingNoSize);
+  f.WriteFixed(info.ProjectName, kProjectNameSize);
+  WriteLongs(f, info.LayerColours);
+  WriteLongs(f, info.LayerStates);
+  f.WriteLong(info.Setup.Flags);
+  f.WriteSingle(info.Setup.Scale);
+}
+
+}  // namespace
+
+SceneInfo ReadSceneInfoForm1(BinaryFile& f) {
+  SceneInfo info;
+  ReadSharedHead(f, info);
   info.Revision = f.ReadLong();
   info.Title = ReadTitle(f);
   return info;
@@ -148,37 +170,19 @@ SceneInfo ReadSceneInfoForm1(BinaryFile& f) {
 
 SceneInfoForm0 ReadSceneInfoForm0(BinaryFile& f) {
   SceneInfoForm0 info;
-  info.Flags = f.ReadLong();
-  info.DrawingNo = f.ReadFixed(kDrawingNoSize);
-  info.ProjectName = f.ReadFixed(kProjectNameSize);
-  ReadLongs(f, info.LayerColours);
-  ReadLongs(f, info.LayerStates);
-  info.Setup.Flags = f.ReadLong();
-  info.Setup.Scale = f.ReadSingle();
+  ReadSharedHead(f, info);
   info.Title = ReadTitle(f);
   return info;
 }
 
 void WriteSceneInfoForm1(BinaryFile& f, const SceneInfo& info) {
-  f.WriteLong(info.Flags);
-  f.WriteFixed(info.DrawingNo, kDrawingNoSize);
-  f.WriteFixed(info.ProjectName, kProjectNameSize);
-  WriteLongs(f, info.LayerColours);
-  WriteLongs(f, info.LayerStates);
-  f.WriteLong(info.Setup.Flags);
-  f.WriteSingle(info.Setup.Scale);
+  WriteSharedHead(f, info);
   f.WriteLong(info.Revision);
   WriteTitle(f, info.Title);
 }
 
 void WriteSceneInfoForm0(BinaryFile& f, const SceneInfoForm0& info) {
-  f.WriteLong(info.Flags);
-  f.WriteFixed(info.DrawingNo, kDrawingNoSize);
-  f.WriteFixed(info.ProjectName, kProjectNameSize);
-  WriteLongs(f, info.LayerColours);
-  WriteLongs(f, info.LayerStates);
-  f.WriteLong(info.Setup.Flags);
-  f.WriteSingle(info.Setup.Scale);
+  WriteSharedHead(f, info);
   WriteTitle(f, info.Title);
 }
 

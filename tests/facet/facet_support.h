@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "common/runtime_error.h"
+#include "error_of.h"
 #include "facet/facetter.h"
 #include "facet/tess_state.h"
 
@@ -68,17 +69,6 @@ inline std::string Triangles() {
             std::to_string(tri.corner[2]) + ")f" + std::to_string(tri.edge_flags);
   }
   return text;
-}
-
-// The number of the RuntimeError that f raises, 0 when it raises none.
-template <typename F>
-int ErrorOf(F&& f) {
-  try {
-    f();
-  } catch (const RuntimeError& e) {
-    return e.number();
-  }
-  return 0;
 }
 
 // Twice the signed area of the 2-D triangle a, b, c.
