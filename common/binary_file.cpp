@@ -43,17 +43,21 @@ constexpr std::size_t kJumpRead = 4 * 1024;
 
 std::unique_ptr<BinaryFile> BinaryFile::Open(const std::string& path, Access access) {
   if (path.empty()) Raise(kErrBadFileNameOrNumber);
+  // Not blocking: opening a named pipe for reading would otherwise wait for a
+  // writer for ever. Anything but a regular file is refused below, and on a
+  // regular file the flag changes nothing.
+  constexpr int kFlags = O_CLOEXEC | O_NONBLOCK;
   int fd = -1;
   bool writable = false;
   if (access == Access::kReadWrite) {
-    fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    fd = ::open(path.c_str(), O_RDWR | O_CREAT | kFlags, 0644);
     writable = fd >= 0;
     // A scene handed to us read-only is still worth reading.
     if (fd < 0 && (errno == EACCES || errno == EROFS || errno == EPERM)) {
-      fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+      fd = ::open(path.c_str(), O_RDONLY | kFlags);
     }
   } else {
-    fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    fd = ::open(path.c_str(), O_RDONLY | kFlags);
   }
   if (fd < 0) RaiseOpenError(errno);
   struct stat st {};
