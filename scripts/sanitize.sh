@@ -17,25 +17,7 @@ export LSAN_OPTIONS="suppressions=$root/scripts/lsan-mesa.supp:print_suppression
 export LP_NUM_THREADS=0 LP_NATIVE_VECTOR_WIDTH=128
 export MESA_SHADER_CACHE_DIR="$build/mesa-cache"
 
-xvfb_pid=""
-dpyfile="$(mktemp)"
-cleanup() {
-  [ -n "$xvfb_pid" ] && kill "$xvfb_pid" 2>/dev/null || true
-  rm -f "$dpyfile"
-}
-trap cleanup EXIT
-# Window tests get a private display; headless rendering (EGL) needs none.
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$dpyfile" 2>/dev/null &
-xvfb_pid=$!
-for _ in $(seq 100); do
-  [ -s "$dpyfile" ] && break
-  sleep 0.1
-done
-if [ -s "$dpyfile" ]; then
-  export DISPLAY=":$(head -n1 "$dpyfile")"
-else
-  echo "sanitize.sh: Xvfb did not start; window tests will fail" >&2
-fi
+. "$root/scripts/private_xvfb.sh"
 cd "$build"
 # The sanitizers make every test several times slower: a longer time limit.
 ctest --output-on-failure -j "$(nproc)" -LE slow --timeout 1200 "$@"
