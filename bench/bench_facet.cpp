@@ -24,7 +24,7 @@ using quelo::Long;
 
 // Ring 0 of a fixture, without the repeat of its first corner at the end.
 std::vector<std::pair<double, double>> OuterRing(const std::string& name) {
-  std::ifstream in(QUELO_SOURCE_DIR "/../shared/data/polygons/earcut-fixtures/" + name + ".json");
+  std::ifstream in(QUELO_SOURCE_DIR "/tests/data/polygons/earcut-fixtures/" + name + ".json");
   const auto json = nlohmann::json::parse(in);
   std::vector<std::pair<double, double>> ring;
   for (const auto& point : json.at(0)) ring.emplace_back(point.at(0), point.at(1));

@@ -20,7 +20,7 @@
 #include "glctrl/surface_egl.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
-#include "scenefile/scene_list.h"
+#include "sceneload/scene_list.h"
 
 namespace {
 

@@ -8,17 +8,6 @@ void StderrMessageBoxes::Show(const std::string& text, const std::string&, Messa
   std::fprintf(stderr, "message: %s\n", text.c_str());
 }
 
-void RecordedMessageBoxes::Show(const std::string& text, const std::string& title,
-                                MessageIcon icon) {
-  entries.push_back({text, title, icon});
-}
-
-std::vector<std::string> RecordedMessageBoxes::Texts() const {
-  std::vector<std::string> out;
-  for (const auto& e : entries) out.push_back(e.text);
-  return out;
-}
-
 namespace {
 StderrMessageBoxes g_stderr_boxes;
 MessageBoxes* g_boxes = &g_stderr_boxes;

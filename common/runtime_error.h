@@ -10,7 +10,7 @@
 
 namespace quelo {
 
-// Error numbers in use. Their texts are those users of the first platform know.
+// Error numbers in use, each with its fixed message text.
 enum ErrorNumber : int {
   kErrInvalidCall = 5,      // "Invalid procedure call or argument"
   kErrOverflow = 6,         // "Overflow"

@@ -120,7 +120,8 @@ Single Dot(const BoundedTable<Single>& q, Long corner, Single ax, Single ay, Sin
   return Add(Add(Mul(q(1, corner), ax), Mul(q(2, corner), ay)), Mul(q(3, corner), az));
 }
 
-// Step B: one triangle of corners 1, 2, n with all edges on the border.
+// A polygon of two or three corners: one triangle of corners 1, 2, n
+// with all edges on the border.
 void FacetSmallPolygon(Integer n) {
   FacetTriangle triangle;
   triangle.corner[0] = FacetCornerMap(FacetOrder(1));
@@ -163,7 +164,7 @@ class EarClipper {
     return area_ < 0 ? ring_(to).edge_length : ring_(from).edge_length;
   }
 
-  // Step 5: picks the ear with the lowest score, the first of equal ones;
+  // Picks the ear with the lowest score, the first of equal ones;
   // when none qualifies, chosen_ keeps the previous pass's choice.
   void ChooseEar() {
     Single best = 2.0f;
@@ -220,7 +221,7 @@ class EarClipper {
     return std::max({candidate_(i, 0), candidate_(i, 1), candidate_(i, 2), candidate_(i, 3)});
   }
 
-  // Steps 6 and 7: records the chosen ear's triangle and removes its corner;
+  // Records the chosen ear's triangle and removes its corner;
   // false when the ring is used up.
   bool ClipChosen() {
     const Long b = chosen_;
@@ -257,7 +258,7 @@ class EarClipper {
     return true;
   }
 
-  // Step 8: the clipped triangles in clipping order, in input corner numbers.
+  // Writes the clipped triangles in clipping order, in input corner numbers.
   void WriteTriangles() {
     FacetTriangles.assign(static_cast<std::size_t>(count_) + 1, FacetTriangle{});
     for (Long t = 1; t <= count_; ++t) {

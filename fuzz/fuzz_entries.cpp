@@ -14,7 +14,7 @@
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/container.h"
 #include "scenefile/record_reader.h"
-#include "scenefile/scene_list.h"
+#include "sceneload/scene_list.h"
 #include "scenefile/stream_head.h"
 
 namespace quelo::fuzz {

@@ -12,8 +12,8 @@ namespace quelo {
 
 namespace {
 
-// Shared by every control, as the first program kept them at module level:
-// the descriptor the choice read last, and the palette of the last set-up.
+// Shared by every control: the descriptor the choice read last, and the
+// palette of the last set-up.
 PIXELFORMATDESCRIPTOR g_pixel_format_buffer;
 PaletteHandle g_palette = 0;
 

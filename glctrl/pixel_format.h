@@ -16,8 +16,8 @@
 
 namespace quelo {
 
-// Field for field the descriptor of the first platform: 40 bytes, natural
-// alignment, no padding.
+// The pixel-format descriptor, field for field: 40 bytes, natural alignment,
+// no padding; flag values as the format numbering documents them.
 struct PIXELFORMATDESCRIPTOR {
   std::uint16_t nSize = 0;
   std::uint16_t nVersion = 0;

@@ -28,7 +28,7 @@ bool DrawingSurface::MakeCurrent(RenderingContext* rc) {
   // over; on the same surface the platform switches contexts itself.
   if (g_current_surface != nullptr && g_current_surface != this) MakeNoneCurrent();
   if (!DoMakeCurrent(rc)) {
-    // As with the first platform, a failed switch leaves nothing current.
+    // A failed switch leaves nothing current.
     DoReleaseCurrent();
     g_current_surface = nullptr;
     g_current_context = nullptr;

@@ -14,8 +14,6 @@ cmake --build "$build" -j "$(nproc)"
 export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
 export ASAN_OPTIONS="detect_leaks=1:strict_string_checks=1"
 export LSAN_OPTIONS="suppressions=$root/scripts/lsan-mesa.supp:print_suppressions=0"
-export LP_NUM_THREADS=0 LP_NATIVE_VECTOR_WIDTH=128
-export MESA_SHADER_CACHE_DIR="$build/mesa-cache"
 
 . "$root/scripts/private_xvfb.sh"
 cd "$build"

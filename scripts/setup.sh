@@ -5,9 +5,9 @@ set -euo pipefail
 
 packages=(
   # build
-  cmake ninja-build g++ pkg-config clang-format
+  cmake ninja-build g++ pkg-config git clang-format clang-tidy
   # libraries
-  libfltk1.3-dev fluid libgl-dev libglu1-mesa-dev libegl-dev libegl-mesa0 libgl1-mesa-dri
+  libfltk1.3-dev libgl-dev libglu1-mesa-dev libegl-dev libegl-mesa0 libgl1-mesa-dri
   libx11-dev libfreetype-dev libfontconfig-dev fonts-dejavu-core libpng-dev
   nlohmann-json3-dev libcli11-dev
   # tests and benchmarks

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "common/runtime_error.h"
-#include "scenefile/scene_list.h"
+#include "sceneload/scene_list.h"
 
 namespace quelo {
 

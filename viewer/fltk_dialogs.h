@@ -9,8 +9,8 @@
 #include <string>
 
 #include "common/messages.h"
-#include "viewer/common_dialog.h"
-#include "viewer/info_box.h"
+#include "form/common_dialog.h"
+#include "form/info_box.h"
 
 namespace quelo {
 

@@ -9,7 +9,7 @@
 #include <memory>
 #include <optional>
 
-#include "viewer/quelo_form.h"
+#include "form/quelo_form.h"
 
 namespace quelo {
 

@@ -19,7 +19,7 @@
 
 #include "viewer/fltk_dialogs.h"
 #include "viewer/fltk_face_window.h"
-#include "viewer/quelo_form.h"
+#include "form/quelo_form.h"
 
 namespace quelo {
 

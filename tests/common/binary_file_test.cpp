@@ -1,11 +1,11 @@
 #include "common/binary_file.h"
-#include "error_of.h"
+#include "support/error_of.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "common/runtime_error.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

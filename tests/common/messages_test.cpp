@@ -1,4 +1,4 @@
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "common/numbers.h"
-#include "error_of.h"
+#include "support/error_of.h"
 
 #include <gtest/gtest.h>
 

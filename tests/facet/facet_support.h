@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "common/runtime_error.h"
-#include "error_of.h"
+#include "support/error_of.h"
 #include "facet/facetter.h"
 #include "facet/tess_state.h"
 

@@ -10,7 +10,7 @@
 #include <numbers>
 
 #include "facet/tess_state.h"
-#include "tests/facet/facet_support.h"
+#include "facet_support.h"
 
 namespace quelo {
 namespace {

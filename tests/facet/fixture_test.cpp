@@ -20,14 +20,14 @@
 
 #include "facet/facetter.h"
 #include "facet/tess_state.h"
-#include "tests/facet/facet_support.h"
+#include "facet_support.h"
 
 namespace quelo {
 namespace {
 
 using testing::Corner2;
 
-const char kFixtureDir[] = QUELO_SOURCE_DIR "/../shared/data/polygons/earcut-fixtures";
+const char kFixtureDir[] = QUELO_SOURCE_DIR "/tests/data/polygons/earcut-fixtures";
 
 // A fixture's outer ring, and whether the file repeats its first corner at the end.
 struct OuterRing {

@@ -6,12 +6,12 @@
 #include <cstring>
 #include <vector>
 
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
-#include "glctrl/fake_surface.h"
+#include "support/fake_surface.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/pixel_format.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

@@ -6,12 +6,12 @@
 
 #include <vector>
 
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/pixel_format.h"
 #include "glctrl/surface_egl.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

@@ -14,11 +14,11 @@
 #include <memory>
 #include <string>
 
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/surface_glx.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

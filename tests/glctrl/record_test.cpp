@@ -7,14 +7,14 @@
 
 #include "common/binary_file.h"
 #include "common/runtime_error.h"
-#include "error_of.h"
+#include "support/error_of.h"
 #include "facet/tess_state.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/record_reader.h"
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

@@ -8,14 +8,14 @@
 #include <vector>
 
 #include "common/binary_file.h"
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
-#include "error_of.h"
+#include "support/error_of.h"
 #include "facet/tess_state.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/record_writer.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

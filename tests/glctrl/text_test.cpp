@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "common/runtime_error.h"
-#include "error_of.h"
-#include "glctrl/fake_surface.h"
+#include "support/error_of.h"
+#include "support/fake_surface.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "common/binary_file.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

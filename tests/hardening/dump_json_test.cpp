@@ -7,10 +7,10 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "../scenefile/stream_bytes.h"
-#include "run_command.h"
+#include "support/bytes.h"
+#include "support/run_command.h"
 #include "scenefile/stream_head.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

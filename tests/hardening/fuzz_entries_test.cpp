@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fuzz/fuzz_entries.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "common/binary_file.h"
 #include "common/runtime_error.h"
-#include "run_command.h"
-#include "temp_dir.h"
+#include "support/run_command.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

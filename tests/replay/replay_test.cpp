@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
-#include "stream_builder.h"
-#include "temp_dir.h"
+#include "support/bytes.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

@@ -1,4 +1,4 @@
-#include "scenefile/scene_list.h"
+#include "sceneload/scene_list.h"
 
 #include <gtest/gtest.h>
 
@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

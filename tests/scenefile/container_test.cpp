@@ -8,7 +8,7 @@
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
-#include "stream_bytes.h"
+#include "support/bytes.h"
 
 namespace quelo {
 namespace {

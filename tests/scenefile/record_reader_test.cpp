@@ -7,7 +7,7 @@
 #include "common/runtime_error.h"
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
-#include "stream_bytes.h"
+#include "support/bytes.h"
 
 namespace quelo {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "stream_bytes.h"
+#include "support/bytes.h"
 
 namespace quelo {
 namespace {

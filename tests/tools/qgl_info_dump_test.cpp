@@ -9,12 +9,12 @@
 #include <set>
 #include <string>
 
-#include "../scenefile/stream_bytes.h"
+#include "support/bytes.h"
 #include "scenefile/container.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
-#include "run_command.h"
-#include "scenefile/scene_list.h"
-#include "temp_dir.h"
+#include "support/run_command.h"
+#include "sceneload/scene_list.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

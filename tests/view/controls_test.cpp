@@ -1,5 +1,5 @@
 #include "view/controls.h"
-#include "error_of.h"
+#include "support/error_of.h"
 
 #include <gtest/gtest.h>
 

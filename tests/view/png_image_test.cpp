@@ -1,10 +1,10 @@
-#include "view/png_image.h"
+#include "image/png_image.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

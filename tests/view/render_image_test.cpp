@@ -8,7 +8,7 @@
 // <build>/tests/view/render_out/ for inspection.
 //
 // To refresh the baselines on purpose, after looking at the new pictures:
-//   QUELO_UPDATE_BASELINES=1 <build>/tests/view/view_render_tests
+//   QUELO_UPDATE_BASELINES=1 ctest --test-dir build -R RenderImage
 // which writes every rendered picture over its baseline.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -21,8 +21,8 @@
 #include "scenefile/container.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
-#include "temp_dir.h"
-#include "view/png_image.h"
+#include "support/temp_dir.h"
+#include "image/png_image.h"
 
 namespace quelo {
 namespace {
@@ -49,9 +49,10 @@ struct RunResult {
 
 // Runs qgl with its standard error kept in dir (tests run in parallel).
 RunResult RunQgl(const testing::TempDir& dir, const std::string& args) {
-  // Byte-identical software renders.
-  setenv("LP_NUM_THREADS", "0", 1);
-  setenv("LP_NATIVE_VECTOR_WIDTH", "128", 1);
+  // Byte-identical software renders need the test environment of
+  // tests/CMakeLists.txt: run through ctest.
+  const char* width = std::getenv("LP_NATIVE_VECTOR_WIDTH");
+  EXPECT_STREQ(width ? width : "", "128") << "run the picture tests through ctest";
   fs::create_directories(kOutDir);
   const std::string err = dir.File("stderr.txt");
   const std::string cmd = Quote(QGL_BINARY) + " " + args + " 2>" + Quote(err) + " </dev/null";

@@ -1,7 +1,7 @@
 // The view maths and the redraw, driven through the control models and the
 // tracing GL table: no display, no context.
 #include "view/view_form.h"
-#include "error_of.h"
+#include "support/error_of.h"
 
 #include <gtest/gtest.h>
 
@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "common/runtime_error.h"
-#include "glctrl/fake_surface.h"
+#include "support/fake_surface.h"
 #include "glctrl/gl_dispatch.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
-#include "temp_dir.h"
+#include "support/temp_dir.h"
 
 namespace quelo {
 namespace {

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <vector>
 
-#include "tests/viewer/form_fixture.h"
+#include "form_fixture.h"
 
 namespace quelo::testing {
 namespace {

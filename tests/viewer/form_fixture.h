@@ -10,11 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include "common/messages.h"
+#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
-#include "glctrl/fake_surface.h"
+#include "support/fake_surface.h"
 #include "glctrl/gl_dispatch.h"
-#include "viewer/quelo_form.h"
+#include "form/quelo_form.h"
 
 namespace quelo::testing {
 

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/temp_dir.h"
-#include "viewer/cursor_pictures.h"
-#include "viewer/info_box.h"
+#include "support/temp_dir.h"
+#include "form/cursor_pictures.h"
+#include "form/info_box.h"
 
 namespace quelo::testing {
 namespace {

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/run_command.h"
-#include "tests/temp_dir.h"
+#include "support/run_command.h"
+#include "support/temp_dir.h"
 
 namespace quelo::testing {
 namespace {

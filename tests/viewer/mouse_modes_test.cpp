@@ -2,7 +2,7 @@
 // mouse mode.
 #include <cmath>
 
-#include "tests/viewer/form_fixture.h"
+#include "form_fixture.h"
 
 namespace quelo::testing {
 namespace {

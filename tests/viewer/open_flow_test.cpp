@@ -1,8 +1,8 @@
 // The open dialog function, the open flow and the toolkit boundary.
 #include <stdexcept>
 
-#include "tests/temp_dir.h"
-#include "tests/viewer/form_fixture.h"
+#include "support/temp_dir.h"
+#include "form_fixture.h"
 
 namespace quelo::testing {
 namespace {

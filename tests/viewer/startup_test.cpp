@@ -1,5 +1,5 @@
 // Start-up, the layout of the main window, painting and shutdown.
-#include "tests/viewer/form_fixture.h"
+#include "form_fixture.h"
 
 namespace quelo::testing {
 namespace {

@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-#include "view/png_image.h"
+#include "image/png_image.h"
 
 // Last: Xlib's macros (None, Status, ...) would break the headers above.
 #include <X11/Xlib.h>

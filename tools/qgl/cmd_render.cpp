@@ -17,8 +17,8 @@
 #include "glctrl/surface_egl.h"
 #include "tools/qgl/commands.h"
 #include "tools/qgl/qgl_common.h"
-#include "view/png_image.h"
-#include "viewer/quelo_form.h"
+#include "image/png_image.h"
+#include "form/quelo_form.h"
 
 namespace quelo::qgl {
 

@@ -11,7 +11,7 @@
 #include "common/runtime_error.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
-#include "scenefile/scene_list.h"
+#include "sceneload/scene_list.h"
 #include "tools/qgl/commands.h"
 #include "tools/qgl/qgl_common.h"
 

@@ -1,4 +1,4 @@
-#include "scenefile/scene_list.h"
+#include "sceneload/scene_list.h"
 
 #include "common/messages.h"
 #include "glctrl/opengl_ctrl.h"

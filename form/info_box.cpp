@@ -1,4 +1,4 @@
-#include "viewer/info_box.h"
+#include "form/info_box.h"
 
 #include <sys/sysinfo.h>
 

@@ -1,15 +1,21 @@
-// Hand-built byte images of streams and containers, for tests that need
-// exact, possibly damaged, bytes rather than what the writers produce.
+// Byte images of streams and containers for tests: hand-built bytes where a
+// test needs exact, possibly damaged, input; StreamBuilder where the record
+// writers should produce the records.
 #pragma once
 
 #include <cstdint>
+#include <array>
 #include <cstring>
+#include <initializer_list>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "common/binary_file.h"
 #include "scenefile/record_reader.h"
-#include "temp_dir.h"
+#include "scenefile/record_writer.h"
+#include "scenefile/stream_head.h"
+#include "support/temp_dir.h"
 
 namespace quelo::testing {
 
@@ -69,5 +75,30 @@ inline Decoded DecodeBytes(const TempDir& dir, const std::vector<unsigned char>&
   WriteAll(path, bytes);
   return DecodeFile(path, start);
 }
+
+// Writes a stream file: whole records through the record writers, or raw
+// Longs and Singles for damaged ones.
+class StreamBuilder {
+ public:
+  explicit StreamBuilder(const std::string& path)
+      : file_(BinaryFile::Open(path, BinaryFile::Access::kReadWrite)) {}
+  BinaryFile& f() { return *file_; }
+  StreamBuilder& Head() {
+    WriteStreamHead(*file_);
+    return *this;
+  }
+  StreamBuilder& Longs(std::initializer_list<Long> values) {
+    for (Long v : values) file_->WriteLong(v);
+    return *this;
+  }
+  StreamBuilder& Singles(std::initializer_list<Single> values) {
+    for (Single v : values) file_->WriteSingle(v);
+    return *this;
+  }
+  void Close() { file_.reset(); }
+
+ private:
+  std::unique_ptr<BinaryFile> file_;
+};
 
 }  // namespace quelo::testing

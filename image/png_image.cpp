@@ -1,4 +1,4 @@
-#include "view/png_image.h"
+#include "image/png_image.h"
 
 #include <png.h>
 

@@ -13,8 +13,8 @@
 // under the menu bar; every control's Left/Top/Width/Height are pixels of its
 // container; mouse positions arrive in FacePbx's user scale, i.e. scene units.
 //
-// Run-time errors: handlers do not catch what the first program left
-// unhandled (overflow 6, division by zero 11, ...); the toolkit boundary
+// Run-time errors: handlers leave overflow (6), division by zero (11) and the
+// like uncaught; the toolkit boundary
 // (RunHandler) shows them in a message box and the program goes on.
 #pragma once
 
@@ -26,8 +26,8 @@
 #include "common/numbers.h"
 #include "view/controls.h"
 #include "view/view_form.h"
-#include "viewer/common_dialog.h"
-#include "viewer/cursor_pictures.h"
+#include "form/common_dialog.h"
+#include "form/cursor_pictures.h"
 
 namespace quelo {
 

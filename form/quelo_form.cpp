@@ -1,4 +1,4 @@
-#include "viewer/quelo_form.h"
+#include "form/quelo_form.h"
 
 #include <cmath>
 #include <cstdlib>

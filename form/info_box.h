@@ -1,10 +1,9 @@
 // The about box InfoBox: caption, program title, version line, and a text
 // label to which every click appends the free-resource figures.
 //
-// Linux has a figure for free memory (MemAvailable of /proc/meminfo, else
-// MemFree, else sysinfo()). The other three figures of the first platform were
-// percentages of its 16-bit system, GDI and user heaps, which have no
-// counterpart here; their lines say "No Information Available".
+// The free-memory figure is MemAvailable of /proc/meminfo (else MemFree, else
+// sysinfo()). The system, GDI and user heap percentages have no counterpart on
+// Linux; their lines say "No Information Available".
 #pragma once
 
 #include <cstdint>

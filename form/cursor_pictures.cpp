@@ -1,4 +1,4 @@
-#include "viewer/cursor_pictures.h"
+#include "form/cursor_pictures.h"
 
 #include <cmath>
 #include <map>

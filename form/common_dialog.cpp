@@ -1,4 +1,4 @@
-#include "viewer/common_dialog.h"
+#include "form/common_dialog.h"
 
 #include <vector>
 
