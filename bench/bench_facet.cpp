@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "facet/facetter.h"
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 
 namespace {
 
@@ -36,16 +36,17 @@ std::vector<std::pair<double, double>> OuterRing(const std::string& name) {
 void Facet(benchmark::State& state, const std::string& name) {
   const auto ring = OuterRing(name);
   const auto n = static_cast<Long>(ring.size());
+  quelo::PolygonBuffer polygon;
   for (auto _ : state) {
     state.PauseTiming();
-    quelo::TessVertices.Recreate(n);
-    quelo::TessCornerCount = static_cast<Integer>(n);
+    polygon.vertices.Recreate(n);
+    polygon.corner_count = static_cast<Integer>(n);
     for (Long i = 1; i <= n; ++i) {
-      quelo::TessVertices(1, i) = ring[static_cast<std::size_t>(i - 1)].first;
-      quelo::TessVertices(2, i) = ring[static_cast<std::size_t>(i - 1)].second;
+      polygon.vertices(1, i) = ring[static_cast<std::size_t>(i - 1)].first;
+      polygon.vertices(2, i) = ring[static_cast<std::size_t>(i - 1)].second;
     }
     state.ResumeTiming();
-    quelo::RunFacetter();
+    quelo::RunFacetter(polygon);
     benchmark::DoNotOptimize(quelo::FacetTriangles.data());
   }
   state.counters["corners"] = static_cast<double>(n);

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "common/runtime_error.h"
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 
 namespace quelo {
 
@@ -136,8 +136,9 @@ void FacetSmallPolygon(Integer n) {
 class EarClipper {
  public:
   // Prepares the tables for a ring of n corners.
-  EarClipper(BoundedArray<FacetPoint>& ring, Integer n, Single area)
+  EarClipper(BoundedArray<FacetPoint>& ring, Integer n, Single area, Integer& corner_count)
       : ring_(ring),
+        corner_count_(corner_count),
         size_(n),
         area_(area),
         clipped_(n - 2, 3),
@@ -241,7 +242,7 @@ class EarClipper {
 
     if (size_ <= 3) return false;
     size_ = IntSub(size_, 1);
-    TessCornerCount = size_;
+    corner_count_ = size_;
     for (Long k = b; k <= size_; ++k) ring_(k) = ring_(k + 1);
     const Long after_gap = Wrap(p_raw);
     const Long next = after_gap == size_ ? 1 : after_gap + 1;
@@ -271,6 +272,7 @@ class EarClipper {
   }
 
   BoundedArray<FacetPoint>& ring_;
+  Integer& corner_count_;
   Integer size_;  // the current ring size r
   Single area_;
   BoundedTable<Integer> clipped_;  // rows 1..t: input corners of each clip; row 0 scratch
@@ -321,9 +323,10 @@ bool InsideTriangle(const BoundedArray<FacetPoint>& ring, Long a, Long b, Long c
   return false;
 }
 
-void ProjectOntoPlane() {
-  const Integer n = TessCornerCount;
-  for (Long k = 1; k <= 3; ++k) TessVertices(k, 0) = TessVertices(k, n);
+void ProjectOntoPlane(PolygonBuffer& polygon) {
+  TessVertexArray& vertices = polygon.vertices;
+  const Integer n = polygon.corner_count;
+  for (Long k = 1; k <= 3; ++k) vertices(k, 0) = vertices(k, n);
 
   FacetOrder.Recreate(n);
   FacetCornerMap.Recreate(n);
@@ -332,7 +335,7 @@ void ProjectOntoPlane() {
   for (Long i = 0; i <= n; ++i) {
     FacetOrder(i) = static_cast<Integer>(i);
     FacetCornerMap(i) = static_cast<Integer>(i);
-    for (Long k = 1; k <= 3; ++k) q(k, i) = CheckSingle(TessVertices(k, i));
+    for (Long k = 1; k <= 3; ++k) q(k, i) = CheckSingle(vertices(k, i));
     if (i >= 1) {
       // Newell's normal: the sum of P(i) x P(i-1), closed through corner 0.
       nx = Add(nx, Sub(Mul(q(3, i - 1), q(2, i)), Mul(q(2, i - 1), q(3, i))));
@@ -412,30 +415,30 @@ BoundedArray<FacetPoint> BuildFacetRing(Integer n, Single& area) {
   return ring;
 }
 
-void ClipRing(BoundedArray<FacetPoint>& ring, Integer n, Single area) {
-  EarClipper clipper(ring, n, area);
+void ClipRing(BoundedArray<FacetPoint>& ring, Integer n, Single area, Integer& corner_count) {
+  EarClipper clipper(ring, n, area, corner_count);
   clipper.Run();
 }
 
-void ClipEars() {
-  const Integer n = TessCornerCount;
+void ClipEars(PolygonBuffer& polygon) {
+  const Integer n = polygon.corner_count;
   Single area = 0;
   BoundedArray<FacetPoint> ring = BuildFacetRing(n, area);
-  ClipRing(ring, n, area);
+  ClipRing(ring, n, area, polygon.corner_count);
 }
 
-void RunFacetter() {
+void RunFacetter(PolygonBuffer& polygon) {
   FacetPoints.Recreate(0);
   FacetOrder.Recreate(0);
   FacetTriangles.assign(1, FacetTriangle{});
-  ProjectOntoPlane();
-  const Integer n = TessCornerCount;
+  ProjectOntoPlane(polygon);
+  const Integer n = polygon.corner_count;
   if (n < 2) return;
   if (n <= 3) {
     FacetSmallPolygon(n);
     return;
   }
-  ClipEars();
+  ClipEars(polygon);
 }
 
 }  // namespace quelo

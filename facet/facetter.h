@@ -1,4 +1,4 @@
-// GLFacetter: triangulates the polygon in TessVertices / TessCornerCount by
+// GLFacetter: triangulates the polygon of a PolygonBuffer by
 // projecting it onto its own plane and clipping ears, and flags each
 // triangle's border edges.
 //
@@ -16,22 +16,22 @@
 
 #include "common/numbers.h"
 #include "facet/bounded_array.h"
+#include "facet/polygon_buffer.h"
 
 namespace quelo {
 
 struct FacetTriangle {
-  Long corner[3] = {0, 0, 0};  // indexes into TessVertices
+  Long corner[3] = {0, 0, 0};  // corner numbers of the polygon buffer
   Long edge_flags = 0;         // 1: first->second, 2: second->third, 4: third->first on the border
 };
 
 // Entries 1..m are the triangles in clipping order; entry 0 is unused.
 extern std::vector<FacetTriangle> FacetTriangles;
 
-// Runs the facetter on TessVertices / TessCornerCount. Lowers TessCornerCount
-// while clipping. Raises RuntimeError (9 index range, 6/11/5 floating-point
-// faults) where the clipper meets them; FacetTriangles then holds what was
-// set before the fault.
-void RunFacetter();
+// Runs the facetter on `polygon`. Lowers its corner count while clipping. Raises RuntimeError (9
+// index range, 6/11/5 floating-point faults) where the clipper meets them; FacetTriangles then
+// holds what was set before the fault.
+void RunFacetter(PolygonBuffer& polygon);
 
 // A 2-D point of the projected polygon or of the working ring.
 struct FacetPoint {
@@ -40,7 +40,7 @@ struct FacetPoint {
   Single weight = 0;       // sine of half the turning angle; > 0 convex, < 0 reflex
   bool cut = false;        // the edge leaving this corner is a diagonal, not a border edge
   Single edge_length = 0;  // see BuildFacetRing for which edge
-  Long corner = 0;         // the input corner (index into TessVertices)
+  Long corner = 0;         // the input corner (corner number of the polygon buffer)
 };
 
 // The projected corners 0..n (entry 0 repeats entry n); only x and y are set.
@@ -52,14 +52,14 @@ extern BoundedArray<Integer> FacetOrder;
 extern BoundedArray<Integer> FacetCornerMap;
 
 // The plane projection: sets FacetOrder, FacetCornerMap and FacetPoints from
-// TessVertices (copying corner n into corner 0 first). Leaves FacetPoints
+// the polygon buffer (copying corner n into corner 0 first). Leaves FacetPoints
 // untouched when the Newell normal has zero length. The in-plane axes are
 // random (seeded with n, so repeatable) but orthonormal.
-void ProjectOntoPlane();
+void ProjectOntoPlane(PolygonBuffer& polygon);
 
-// The ear clipper for n = TessCornerCount >= 4 corners of FacetPoints read
+// The ear clipper for n = polygon.corner_count >= 4 corners of FacetPoints read
 // through FacetOrder: BuildFacetRing, then ClipRing.
-void ClipEars();
+void ClipEars(PolygonBuffer& polygon);
 
 // The steps before the clipping proper, over n corners of FacetPoints read
 // through FacetOrder. The signed area A (twice the area, positive when the
@@ -70,9 +70,9 @@ void ClipEars();
 BoundedArray<FacetPoint> BuildFacetRing(Integer n, Single& area);
 
 // Clips ears off `ring` (positions 1..n) until three corners are left and
-// fills FacetTriangles; lowers TessCornerCount with the ring size. `area` is
+// fills FacetTriangles; lowers `corner_count` with the ring size. `area` is
 // the ring's signed area from BuildFacetRing; only its sign is used.
-void ClipRing(BoundedArray<FacetPoint>& ring, Integer n, Single area);
+void ClipRing(BoundedArray<FacetPoint>& ring, Integer n, Single area, Integer& corner_count);
 
 // (xa - xb)(yc - yd) - (xc - xd)(ya - yb) over FacetPoints(a..d).
 Single OrientationProduct(Long a, Long b, Long c, Long d);

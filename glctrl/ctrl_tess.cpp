@@ -1,5 +1,5 @@
 // The polygon members: collect a polygon corner by corner into the one
-// program-wide buffer (TessVertices / TessCornerCount), triangulate it with
+// program-wide polygon buffer (SharedPolygonBuffer()), triangulate it with
 // the facetter and draw the triangles with edge flags, so that outlines in
 // GL_LINE mode show the polygon's border and not the cut diagonals.
 //
@@ -12,7 +12,7 @@
 #include "common/numbers.h"
 #include "common/runtime_error.h"
 #include "facet/facetter.h"
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/record_writer.h"
@@ -58,25 +58,28 @@ void GLAPIENTRY TessVertexCallback(void* vertex_data) {
 }  // namespace
 
 void OpenGL_Ctrl::tessBeginPoly(Integer nEck) {
+  PolygonBuffer& polygon = SharedPolygonBuffer();
   if (SendToFile) WriteTessBeginPolyRecord(Files().Get(FileHnd), nEck);
   if (DontSendToGL) return;
-  TessCornerCount = nEck;
-  TessVertices.Recreate(nEck);  // zero-filled; a negative count raises 9
+  polygon.corner_count = nEck;
+  polygon.vertices.Recreate(nEck);  // zero-filled; a negative count raises 9
   tess_vertex_counter_ = 0;
 }
 
 void OpenGL_Ctrl::tessVector3d(double X, double Y, double z) {
+  PolygonBuffer& polygon = SharedPolygonBuffer();
   if (SendToFile) WriteTessVector3dRecord(Files().Get(FileHnd), X, Y, z);
   if (DontSendToGL) return;
   // The counter goes up first: a corner beyond the announced count raises 9
   // with the counter already increased.
   tess_vertex_counter_ = IntAdd(tess_vertex_counter_, 1);
-  TessVertices(1, tess_vertex_counter_) = X;
-  TessVertices(2, tess_vertex_counter_) = Y;
-  TessVertices(3, tess_vertex_counter_) = z;
+  polygon.vertices(1, tess_vertex_counter_) = X;
+  polygon.vertices(2, tess_vertex_counter_) = Y;
+  polygon.vertices(3, tess_vertex_counter_) = z;
 }
 
 void OpenGL_Ctrl::tessVector3dv(std::span<const double> v) {
+  PolygonBuffer& polygon = SharedPolygonBuffer();
   // Elements 1 to 3 of the caller's 1-based array; index 0 is not read.
   auto element = [&v](std::size_t k) {
     if (k >= v.size()) Raise(kErrSubscript);
@@ -87,22 +90,24 @@ void OpenGL_Ctrl::tessVector3dv(std::span<const double> v) {
   }
   if (DontSendToGL) return;
   tess_vertex_counter_ = IntAdd(tess_vertex_counter_, 1);
-  TessVertices(1, tess_vertex_counter_) = element(1);
-  TessVertices(2, tess_vertex_counter_) = element(2);
-  TessVertices(3, tess_vertex_counter_) = element(3);
+  polygon.vertices(1, tess_vertex_counter_) = element(1);
+  polygon.vertices(2, tess_vertex_counter_) = element(2);
+  polygon.vertices(3, tess_vertex_counter_) = element(3);
 }
 
 void OpenGL_Ctrl::tessEndPoly() {
+  PolygonBuffer& polygon = SharedPolygonBuffer();
   if (SendToFile) WriteTessEndPolyRecord(Files().Get(FileHnd));
   if (DontSendToGL) return;
   const GLDispatch& gl = GL();
 
   // Close the ring: corner 0 is the corner before corner 1.
   for (Long k = 1; k <= 3; ++k) {
-    Statement([k] { TessVertices(k, 0) = TessVertices(k, TessCornerCount); });
+    Statement(
+        [&polygon, k] { polygon.vertices(k, 0) = polygon.vertices(k, polygon.corner_count); });
   }
   tess_vertex_counter_ = 0;
-  Statement([] { RunFacetter(); });
+  Statement([&polygon] { RunFacetter(polygon); });
 
   // The triangles, each corner with the edge flag of the edge leaving it.
   gl.glBegin(GL_TRIANGLES);
@@ -110,9 +115,9 @@ void OpenGL_Ctrl::tessEndPoly() {
   for (Long i = 1; i <= upper; ++i) {
     for (int j = 0; j < 3; ++j) {
       gl.glEdgeFlag(EdgeFlagOf(i, j) ? GL_TRUE : GL_FALSE);
-      Statement([&gl, i, j] {
+      Statement([&gl, &polygon, i, j] {
         Long c = CornerOf(i, j);
-        gl.glVertex3d(TessVertices(1, c), TessVertices(2, c), TessVertices(3, c));
+        gl.glVertex3d(polygon.vertices(1, c), polygon.vertices(2, c), polygon.vertices(3, c));
       });
     }
   }
@@ -120,11 +125,12 @@ void OpenGL_Ctrl::tessEndPoly() {
 
   // The marking inside each triangle. tess_centre_ is Single on purpose: the
   // centre is rounded to single precision although the corners are Doubles.
-  auto centre = [this](Long i) {
+  auto centre = [this, &polygon](Long i) {
     for (Long k = 1; k <= 3; ++k) {
-      Statement([this, i, k] {
-        double sum = CheckDouble(TessVertices(k, CornerOf(i, 0)) + TessVertices(k, CornerOf(i, 1)));
-        sum = CheckDouble(sum + TessVertices(k, CornerOf(i, 2)));
+      Statement([this, &polygon, i, k] {
+        double sum =
+            CheckDouble(polygon.vertices(k, CornerOf(i, 0)) + polygon.vertices(k, CornerOf(i, 1)));
+        sum = CheckDouble(sum + polygon.vertices(k, CornerOf(i, 2)));
         tess_centre_[k] = CheckSingle(DivDouble(sum, 3.0));
       });
     }
@@ -139,7 +145,7 @@ void OpenGL_Ctrl::tessEndPoly() {
         Statement([&] {
           Long c = CornerOf(i, j);
           auto shrunk = [&](Long k) {
-            double twice = CheckDouble(2.0 * TessVertices(k, c));
+            double twice = CheckDouble(2.0 * polygon.vertices(k, c));
             return DivDouble(CheckDouble(twice + double{tess_centre_[k]}), 3.0);
           };
           double x = shrunk(1);
@@ -160,7 +166,7 @@ void OpenGL_Ctrl::tessEndPoly() {
         Statement([&] {
           Long c = CornerOf(i, j);
           auto halfway = [&](Long k) {
-            return DivDouble(CheckDouble(double{tess_centre_[k]} + TessVertices(k, c)), 2.0);
+            return DivDouble(CheckDouble(double{tess_centre_[k]} + polygon.vertices(k, c)), 2.0);
           };
           double x = halfway(1);
           double y = halfway(2);

@@ -8,24 +8,29 @@
 #include <vector>
 
 #include "common/runtime_error.h"
-#include "support/error_of.h"
 #include "facet/facetter.h"
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
+#include "support/error_of.h"
 
 namespace quelo::testing {
 
 using Corner3 = std::array<double, 3>;
 using Corner2 = std::array<double, 2>;
 
-// Puts a polygon into TessVertices / TessCornerCount as tessBeginPoly and
-// tessVector3d would.
+// The buffer the tests fill and the facetter reads: the program's shared one,
+// as the polygon members use it.
+inline PolygonBuffer& Buffer() {
+  return SharedPolygonBuffer();
+}
+
+// Puts a polygon into the buffer as tessBeginPoly and tessVector3d would.
 inline void LoadPolygon(const std::vector<Corner3>& corners) {
   const auto n = static_cast<Long>(corners.size());
-  TessVertices.Recreate(n);
-  TessCornerCount = static_cast<Integer>(n);
+  Buffer().vertices.Recreate(n);
+  Buffer().corner_count = static_cast<Integer>(n);
   for (Long i = 1; i <= n; ++i) {
     for (Long k = 1; k <= 3; ++k) {
-      TessVertices(k, i) =
+      Buffer().vertices(k, i) =
           corners[static_cast<std::size_t>(i - 1)][static_cast<std::size_t>(k - 1)];
     }
   }
@@ -38,12 +43,12 @@ inline void LoadFlatPolygon(const std::vector<Corner2>& corners) {
   LoadPolygon(corners3);
 }
 
-// Sets FacetPoints, FacetOrder, FacetCornerMap and TessCornerCount as the
+// Sets FacetPoints, FacetOrder, FacetCornerMap and the corner count as the
 // projection would for a polygon that already lies in the x-y plane, so that
 // the clipper sees these exact coordinates (no random axes).
 inline void LoadProjected(const std::vector<Corner2>& corners) {
   const auto n = static_cast<Long>(corners.size());
-  TessCornerCount = static_cast<Integer>(n);
+  Buffer().corner_count = static_cast<Integer>(n);
   FacetPoints.Recreate(n);
   FacetOrder.Recreate(n);
   FacetCornerMap.Recreate(n);

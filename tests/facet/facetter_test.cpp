@@ -9,12 +9,13 @@
 #include <cmath>
 #include <numbers>
 
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 #include "facet_support.h"
 
 namespace quelo {
 namespace {
 
+using testing::Buffer;
 using testing::Corner2;
 using testing::Corner3;
 using testing::ErrorOf;
@@ -102,27 +103,27 @@ void ExpectOrientedCover(const std::vector<Corner2>& ring) {
 TEST(FacetterSmall, FewerThanTwoCornersGiveNoTriangle) {
   for (const auto& corners : {std::vector<Corner3>{}, std::vector<Corner3>{{1, 2, 3}}}) {
     LoadPolygon(corners);
-    EXPECT_EQ(ErrorOf(RunFacetter), 0);
+    EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), 0);
     EXPECT_EQ(FacetTriangles.size(), 1u);
-    EXPECT_EQ(TessCornerCount, static_cast<Integer>(corners.size()));
+    EXPECT_EQ(Buffer().corner_count, static_cast<Integer>(corners.size()));
   }
 }
 
 TEST(FacetterSmall, TwoAndThreeCornersGiveOneBorderTriangle) {
   LoadPolygon({{0, 0, 0}, {1, 0, 0}, {0, 1, 1}});
-  RunFacetter();
+  RunFacetter(Buffer());
   EXPECT_EQ(Triangles(), "(1,2,3)f7");
-  EXPECT_EQ(TessCornerCount, 3);
+  EXPECT_EQ(Buffer().corner_count, 3);
 
   // Two corners: a degenerate triangle whose third corner is the second.
   LoadPolygon({{0, 0, 0}, {1, 0, 0}});
-  RunFacetter();
+  RunFacetter(Buffer());
   EXPECT_EQ(Triangles(), "(1,2,2)f7");
-  EXPECT_EQ(TessCornerCount, 2);
+  EXPECT_EQ(Buffer().corner_count, 2);
 
   // Three corners on a line have no plane, but need none.
   LoadPolygon({{0, 0, 0}, {1, 1, 1}, {2, 2, 2}});
-  EXPECT_EQ(ErrorOf(RunFacetter), 0);
+  EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), 0);
   EXPECT_EQ(Triangles(), "(1,2,3)f7");
 }
 
@@ -136,7 +137,7 @@ TEST(FacetterErrors, FourCornersWithoutAPlaneRaiseSubscriptOutOfRange) {
   };
   for (const auto& corners : no_plane) {
     LoadPolygon(corners);
-    EXPECT_EQ(ErrorOf(RunFacetter), kErrSubscript);
+    EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), kErrSubscript);
     EXPECT_EQ(FacetTriangles.size(), 1u);  // nothing to draw
     EXPECT_EQ(FacetPoints.Upper(), 0);
   }
@@ -144,24 +145,24 @@ TEST(FacetterErrors, FourCornersWithoutAPlaneRaiseSubscriptOutOfRange) {
 
 TEST(FacetterErrors, CoordinatesBeyondSinglePrecisionRaiseOverflow) {
   LoadPolygon({{0, 0, 0}, {1e39, 0, 0}, {1, 1, 0}, {0, 1, 0}});  // not a Single at all
-  EXPECT_EQ(ErrorOf(RunFacetter), kErrOverflow);
+  EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), kErrOverflow);
   LoadPolygon({{0, 0, 0}, {3e19, 0, 0}, {3e19, 3e19, 0}, {0, 3e19, 0}});  // squares overflow
-  EXPECT_EQ(ErrorOf(RunFacetter), kErrOverflow);
+  EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), kErrOverflow);
   EXPECT_EQ(FacetTriangles.size(), 1u);
 }
 
 TEST(FacetterErrors, PolygonBufferChecksItsBounds) {
-  TessVertices.Recreate(2);
-  EXPECT_EQ(TessVertices.Upper(), 2);
-  EXPECT_EQ(TessVertices(3, 2), 0.0);
-  TessVertices(1, 1) = 4.5;
-  EXPECT_EQ(TessVertices(1, 1), 4.5);
-  EXPECT_EQ(ErrorOf([] { TessVertices(1, 3); }), kErrSubscript);
-  EXPECT_EQ(ErrorOf([] { TessVertices(4, 0); }), kErrSubscript);
-  EXPECT_EQ(ErrorOf([] { TessVertices(1, -1); }), kErrSubscript);
-  EXPECT_EQ(ErrorOf([] { TessVertices.Recreate(-1); }), kErrSubscript);
-  TessVertices.Recreate(1);  // recreated zero-filled
-  EXPECT_EQ(TessVertices(1, 1), 0.0);
+  Buffer().vertices.Recreate(2);
+  EXPECT_EQ(Buffer().vertices.Upper(), 2);
+  EXPECT_EQ(Buffer().vertices(3, 2), 0.0);
+  Buffer().vertices(1, 1) = 4.5;
+  EXPECT_EQ(Buffer().vertices(1, 1), 4.5);
+  EXPECT_EQ(ErrorOf([] { Buffer().vertices(1, 3); }), kErrSubscript);
+  EXPECT_EQ(ErrorOf([] { Buffer().vertices(4, 0); }), kErrSubscript);
+  EXPECT_EQ(ErrorOf([] { Buffer().vertices(1, -1); }), kErrSubscript);
+  EXPECT_EQ(ErrorOf([] { Buffer().vertices.Recreate(-1); }), kErrSubscript);
+  Buffer().vertices.Recreate(1);  // recreated zero-filled
+  EXPECT_EQ(Buffer().vertices(1, 1), 0.0);
 }
 
 // --- Whole runs in space ---
@@ -169,7 +170,7 @@ TEST(FacetterErrors, PolygonBufferChecksItsBounds) {
 TEST(FacetterRun, ProjectionKeepsDistancesAndRepeats) {
   const auto corners = Tilted(kHexagon, {0.6, 0, 0.8}, 1.1, {3, -2, 5});
   LoadPolygon(corners);
-  ProjectOntoPlane();
+  ProjectOntoPlane(Buffer());
   ASSERT_EQ(FacetPoints.Upper(), 6);
   EXPECT_EQ(FacetPoints(0).x, FacetPoints(6).x);
   EXPECT_EQ(FacetPoints(0).y, FacetPoints(6).y);
@@ -191,7 +192,7 @@ TEST(FacetterRun, ProjectionKeepsDistancesAndRepeats) {
   // The axes are seeded with the corner count: the same polygon projects the same.
   const Single x1 = FacetPoints(1).x;
   const Single y1 = FacetPoints(1).y;
-  ProjectOntoPlane();
+  ProjectOntoPlane(Buffer());
   EXPECT_EQ(FacetPoints(1).x, x1);
   EXPECT_EQ(FacetPoints(1).y, y1);
 }
@@ -199,22 +200,22 @@ TEST(FacetterRun, ProjectionKeepsDistancesAndRepeats) {
 TEST(FacetterRun, ConvexPolygonHasOnlyConvexCornersAndIsCovered) {
   const std::vector<Corner2> convex = {{0, 0}, {6, -1}, {10, 2}, {9, 6}, {4, 8}, {-1, 4}};
   LoadFlatPolygon(convex);
-  ProjectOntoPlane();
+  ProjectOntoPlane(Buffer());
   Single area = 0;
   const auto ring = BuildFacetRing(6, area);
   EXPECT_GT(area, 0);
   for (Long i = 1; i <= 6; ++i) EXPECT_GT(ring(i).weight, 0) << "corner " << i;
-  RunFacetter();
+  RunFacetter(Buffer());
   EXPECT_EQ(FacetTriangles.size(), 5u);
   ExpectOrientedCover(convex);
-  EXPECT_EQ(TessCornerCount, 3);
+  EXPECT_EQ(Buffer().corner_count, 3);
 }
 
 TEST(FacetterRun, ConcaveHexagonInTheXYPlane) {
   LoadFlatPolygon(kHexagon);
-  RunFacetter();
+  RunFacetter(Buffer());
   EXPECT_EQ(Triangles(), kHexagonTriangles);
-  EXPECT_EQ(TessCornerCount, 3);
+  EXPECT_EQ(Buffer().corner_count, 3);
   ExpectOrientedCover(kHexagon);
   EXPECT_FALSE(SomeTriangleHoldsACorner(kHexagon));
 }
@@ -225,9 +226,9 @@ TEST(FacetterRun, TiltedPlanesGiveTheSameTriangles) {
       {{1, 0, 0}, 0.5}, {{0, 1, 0}, 1.2}, {{s, s, 0}, std::numbers::pi / 2}, {{0.6, 0, 0.8}, 2.5}};
   for (const auto& [axis, angle] : tilts) {
     LoadPolygon(Tilted(kHexagon, axis, angle, {10, -20, 7}));
-    RunFacetter();
+    RunFacetter(Buffer());
     EXPECT_EQ(Triangles(), kHexagonTriangles) << "angle " << angle;
-    EXPECT_EQ(TessCornerCount, 3);
+    EXPECT_EQ(Buffer().corner_count, 3);
   }
 }
 
@@ -237,7 +238,7 @@ TEST(FacetterRun, ClockwisePolygonGivesClockwiseTriangles) {
   std::vector<Corner2> clockwise;
   for (const auto& c : kHexagon) clockwise.push_back({-c[0], c[1]});
   LoadFlatPolygon(clockwise);
-  RunFacetter();
+  RunFacetter(Buffer());
   EXPECT_EQ(Triangles(), kHexagonTriangles);
   ASSERT_LT(testing::RingArea2(clockwise), 0);
   ExpectOrientedCover(clockwise);
@@ -248,9 +249,9 @@ TEST(FacetterRun, ClockwisePolygonGivesClockwiseTriangles) {
 TEST(FacetterClipper, SquareTiesGoToTheFirstEar) {
   // All four ears score alike (their sharpest corner is 45 degrees).
   LoadProjected({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
-  ClipEars();
+  ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(4,1,2)f3 (4,2,3)f6");
-  EXPECT_EQ(TessCornerCount, 3);
+  EXPECT_EQ(Buffer().corner_count, 3);
 }
 
 TEST(FacetterClipper, RhombusTakesTheEarWithTheLowestScore) {
@@ -258,7 +259,7 @@ TEST(FacetterClipper, RhombusTakesTheEarWithTheLowestScore) {
   // long diagonal 1-3 away from the sharp corners and score 0.788, the ears
   // at 1 and 3 leave 14-degree angles and score 0.993. Of 2 and 4, 2 is first.
   LoadProjected({{4, -1}, {8, 0}, {4, 1}, {0, 0}});
-  ClipEars();
+  ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(1,2,3)f3 (4,1,3)f5");
 }
 
@@ -272,7 +273,7 @@ TEST(FacetterClipper, LShapeNeverClipsItsReflexCorner) {
   EXPECT_NEAR(ring(4).weight, -half_right, 1e-7);
   EXPECT_EQ(ring(2).edge_length, 1);  // the edge leaving corner 2
 
-  ClipEars();
+  ClipEars(Buffer());
   EXPECT_EQ(Triangles(), kLShapeTriangles);
   // Corner 4 is clipped by none of the ears; only the last triangle, what
   // is left of the ring, has it in the middle.
@@ -294,7 +295,7 @@ TEST(FacetterClipper, ClockwiseLShapeMirrorsTheCounterClockwiseOne) {
   EXPECT_EQ(ring(2).edge_length, 2);
   EXPECT_EQ(ring(6).edge_length, 1);
 
-  ClipEars();
+  ClipEars(Buffer());
   EXPECT_EQ(Triangles(), kLShapeTriangles);
   ExpectOrientedCover(clockwise);
 }
@@ -309,7 +310,7 @@ TEST(FacetterClipper, CornerAfterTheNewDiagonalTakesItsNewWeight) {
   LoadProjected(pentagon);
   Single area = 0;
   EXPECT_LT(BuildFacetRing(5, area)(2).weight, 0);
-  ClipEars();
+  ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(4,5,1)f3 (4,1,2)f2 (4,2,3)f6");
   ExpectOrientedCover(pentagon);
 }
@@ -329,9 +330,9 @@ TEST(FacetterClipper, RepeatedCornerIsNeverAnEar) {
   EXPECT_EQ(ring(3).weight, 0);
   EXPECT_GT(ring(1).weight, 0);
 
-  ClipEars();
+  ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(4,5,1)f3 (4,5,2)f2 (3,1,2)f7");
-  EXPECT_EQ(TessCornerCount, 3);
+  EXPECT_EQ(Buffer().corner_count, 3);
   ExpectOrientedCover(square);
 }
 
@@ -348,11 +349,11 @@ TEST(FacetterClipper, ZeroDiagonalIsClippedAtOnce) {
   EXPECT_EQ(ring(5).weight, 0);
   ring(5).weight = 0.5f;
 
-  ClipRing(ring, 6, area);
+  ClipRing(ring, 6, area, Buffer().corner_count);
   // Pass 2 clips corner 2; pass 3 finds no ear (the double point is on every
   // candidate) and clips position 2, now corner 3, again; corner 1 goes last.
   EXPECT_EQ(Triangles(), "(4,5,6)f3 (1,2,3)f3 (1,3,4)f2 (6,1,4)f1");
-  EXPECT_EQ(TessCornerCount, 3);
+  EXPECT_EQ(Buffer().corner_count, 3);
   ExpectOrientedCover(spiked);
 }
 

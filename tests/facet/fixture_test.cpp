@@ -19,12 +19,13 @@
 #include <vector>
 
 #include "facet/facetter.h"
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 #include "facet_support.h"
 
 namespace quelo {
 namespace {
 
+using testing::Buffer;
 using testing::Corner2;
 
 const char kFixtureDir[] = QUELO_SOURCE_DIR "/tests/data/polygons/earcut-fixtures";
@@ -103,7 +104,7 @@ bool IsSimple(const std::vector<Corner2>& ring) {
 // Runs the facetter on a flat ring; returns the run-time error number or 0.
 int Facet(const std::vector<Corner2>& ring) {
   testing::LoadFlatPolygon(ring);
-  return testing::ErrorOf(RunFacetter);
+  return testing::ErrorOf([] { RunFacetter(Buffer()); });
 }
 
 // Every result triangle names corners of the ring.
@@ -129,7 +130,7 @@ TEST_P(EarcutFixture, OuterRing) {
   if (IsSimple(ring)) {
     ASSERT_EQ(error, 0) << "simple ring of " << n << " corners";
     if (n >= 4) {
-      EXPECT_EQ(TessCornerCount, 3);
+      EXPECT_EQ(Buffer().corner_count, 3);
     }
     if (n >= 3) {
       ASSERT_EQ(FacetTriangles.size() - 1, n - 2);

@@ -8,7 +8,7 @@
 #include "common/binary_file.h"
 #include "common/runtime_error.h"
 #include "support/error_of.h"
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/record_reader.h"

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "common/binary_file.h"
-#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
-#include "support/error_of.h"
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/record_writer.h"
+#include "support/error_of.h"
+#include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
@@ -78,7 +78,7 @@ TEST_F(Polygon, SquareShowsOnlyItsBorderEdges) {
   EXPECT_EQ(border,
             (std::set<std::pair<std::string, std::string>>{std::minmax(a, b), std::minmax(b, c),
                                                            std::minmax(c, d), std::minmax(d, a)}));
-  EXPECT_EQ(TessCornerCount, 3);  // the facetter consumed the count
+  EXPECT_EQ(SharedPolygonBuffer().corner_count, 3);  // the facetter consumed the count
   EXPECT_TRUE(messages.Texts().empty());
 }
 
@@ -203,7 +203,7 @@ TEST_F(Polygon, MoreCornersThanAnnouncedRaiseNineAfterCounting) {
     ASSERT_EQ(ErrorOf([&] { ctrl.tessVector3d(0, 0, 0); }), kErrSubscript) << i;
   }
   EXPECT_EQ(ErrorOf([&] { ctrl.tessVector3d(0, 0, 0); }), kErrOverflow);
-  EXPECT_EQ(TessVertices(1, 1), 1);  // the announced corner was kept
+  EXPECT_EQ(SharedPolygonBuffer().vertices(1, 1), 1);  // the announced corner was kept
 }
 
 TEST_F(Polygon, RecordingWithoutGlStoresNoCorner) {
@@ -212,11 +212,11 @@ TEST_F(Polygon, RecordingWithoutGlStoresNoCorner) {
   ctrl.FileOpen(path);
   ctrl.SendToFile = true;
   ctrl.DontSendToGL = true;
-  TessCornerCount = 77;
+  SharedPolygonBuffer().corner_count = 77;
   Lines lines = Draw(triangle);
   ctrl.FileClose();
   EXPECT_TRUE(lines.empty());
-  EXPECT_EQ(TessCornerCount, 77);
+  EXPECT_EQ(SharedPolygonBuffer().corner_count, 77);
 
   std::string expected = dir.File("expected.bin");
   {

@@ -1,4 +1,4 @@
-#include "facet/tess_state.h"
+#include "facet/polygon_buffer.h"
 
 #include <cstddef>
 #include <new>
@@ -7,8 +7,10 @@
 
 namespace quelo {
 
-TessVertexArray TessVertices;
-Integer TessCornerCount = 0;
+PolygonBuffer& SharedPolygonBuffer() {
+  static PolygonBuffer buffer;
+  return buffer;
+}
 
 void TessVertexArray::Recreate(Long n) {
   if (n < 0) Raise(kErrSubscript);

@@ -1,5 +1,5 @@
-// The one polygon buffer of the whole program, shared by every control: the
-// polygon members fill it, the facetter reads it and lowers the corner count.
+// The polygon buffer: the polygon members of every control fill the one
+// shared buffer, the facetter reads it and lowers its corner count.
 #pragma once
 
 #include <vector>
@@ -25,7 +25,13 @@ class TessVertexArray {
   std::vector<double> values_;
 };
 
-extern TessVertexArray TessVertices;
-extern Integer TessCornerCount;
+struct PolygonBuffer {
+  TessVertexArray vertices;
+  Integer corner_count = 0;  // corners announced; lowered by the facetter as it clips
+};
+
+// The one buffer of the program, shared by every control: a polygon begun by
+// one control can be continued and ended by another.
+PolygonBuffer& SharedPolygonBuffer();
 
 }  // namespace quelo
