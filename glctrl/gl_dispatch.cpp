@@ -9,7 +9,7 @@ namespace {
 GLDispatch MakeRealTable() {
   GLDispatch d;
 #define QUELO_GL_ENTRY(ret, name, params, args, trace) d.name = &::name;
-#include "glctrl/gl_api.list"
+#include "glctrl/generated/gl_api.list"
   return d;
 }
 

@@ -35,7 +35,7 @@ const NameTables& Names() {
 #define QUELO_GL_NAME(n) t.any.emplace(static_cast<GLenum>(n), #n);
 #define QUELO_GL_GROUP_NAME(g, n) t.grouped.emplace(std::make_pair(int{g}, GLenum{n}), #n);
 #define QUELO_GL_BIT(g, n) t.bits.push_back({g, {static_cast<GLbitfield>(n), #n}});
-#include "glctrl/gl_enums.inc"
+#include "glctrl/generated/gl_enums.inc"
 #undef QUELO_GL_NAME
 #undef QUELO_GL_GROUP_NAME
 #undef QUELO_GL_BIT
@@ -379,7 +379,7 @@ T Benign() {
     Call(#name, QUELO_GL_BRACED trace);                \
     return Benign<ret>();                              \
   }
-#include "glctrl/gl_api.list"
+#include "glctrl/generated/gl_api.list"
 
 GLuint TraceGenLists(GLsizei range) {
   Call("glGenLists", {Int(range)});
@@ -396,7 +396,7 @@ const GLDispatch& TracingTable() {
   static const GLDispatch table = [] {
     GLDispatch d;
 #define QUELO_GL_ENTRY(ret, name, params, args, trace) d.name = &Trace_##name;
-#include "glctrl/gl_api.list"
+#include "glctrl/generated/gl_api.list"
     d.glGenLists = &TraceGenLists;
     d.gluNewTess = &TraceNewTess;
     return d;

@@ -3,7 +3,7 @@
 // and the order in which a surface numbers its framebuffer configurations.
 //
 // Surfaces describe every configuration they offer as a descriptor, so the
-// control's choice rules (ctrl_context.cpp) run unchanged over GLX FBConfigs,
+// control's choice rules (control_context.cpp) run unchanged over GLX FBConfigs,
 // EGL configs and the made-up tables of the tests.
 #pragma once
 

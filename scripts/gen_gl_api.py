@@ -5,11 +5,12 @@ Reads the GL 1.0/1.1 part of the system's <GL/gl.h> (everything before the
 OpenGL 1.2 section) and the few GLU functions that the program uses from
 <GL/glu.h>, and writes:
 
-  glctrl/gl_api.list         one X-macro line per entry point (the one list that the
-                             dispatch table, the loader, the tracing table and the
-                             pass-through methods are expanded from)
-  glctrl/gl_enums.inc        the GL and GLU names that the tracing table prints
-  glctrl/ogl_passthrough.inc declarations of the control's ogl*/oglu* methods
+  glctrl/generated/gl_api.list       one X-macro line per entry point (the one list
+                                     that the dispatch table, the loader, the tracing
+                                     table and the pass-through methods are expanded from)
+  glctrl/generated/gl_enums.inc      the GL and GLU names that the tracing table prints
+  glctrl/generated/gl_passthrough.h  class GLPassThrough: the control's ogl*/oglu*
+                                     pass-through methods
 
 The outputs are committed, so python is only needed after changing this script:
     python3 scripts/gen_gl_api.py [--gl-header PATH] [--glu-header PATH]
@@ -200,7 +201,7 @@ def main():
     ap = argparse.ArgumentParser()
     ap.add_argument("--gl-header", default="/usr/include/GL/gl.h")
     ap.add_argument("--glu-header", default="/usr/include/GL/glu.h")
-    ap.add_argument("--out", default=os.path.join(os.path.dirname(__file__), "..", "glctrl"))
+    ap.add_argument("--out", default=os.path.join(os.path.dirname(__file__), "..", "glctrl", "generated"))
     a = ap.parse_args()
 
     gl_text = open(a.gl_header).read()
@@ -224,8 +225,18 @@ def main():
              "#ifndef QUELO_GL_ENTRY_RECORDED\n"
              "#define QUELO_GL_ENTRY_RECORDED QUELO_GL_ENTRY\n"
              "#endif\n"]
-    passthrough = [header.replace("// do not edit.", "// do not edit. Declarations inside OpenGL_Ctrl; "
-                                  "definitions in ctrl_passthrough.cpp.")]
+    passthrough = [header,
+                   "//\n"
+                   "// GLPassThrough: the control's pass-through methods, oglXxx for the OpenGL 1.1\n"
+                   "// command set and the named GLU calls. Each calls its entry point through the\n"
+                   "// dispatch table and records nothing. OpenGL_Ctrl inherits them; the\n"
+                   "// definitions are expanded from gl_api.list in glctrl/gl_passthrough.cpp.\n"
+                   "#pragma once\n\n"
+                   "#include <GL/gl.h>\n"
+                   "#include <GL/glu.h>\n\n"
+                   "namespace quelo {\n\n"
+                   "class GLPassThrough {\n"
+                   " public:\n"]
     for ret, name, args in gl_funcs + glu_funcs:
         params = ", ".join(f"{t} {n}" for t, n in args)
         names = ", ".join(n for _, n in args)
@@ -233,7 +244,8 @@ def main():
         macro = "QUELO_GL_ENTRY_RECORDED" if name in RECORDED else "QUELO_GL_ENTRY"
         lines.append(f"{macro}({ret}, {name}, ({params}), ({names}), ({trace}))\n")
         if name not in RECORDED:
-            passthrough.append(f"{ret} o{name}({params});\n")
+            passthrough.append(f"  {ret} o{name}({params});\n")
+    passthrough.append("};\n\n}  // namespace quelo\n")
     lines.append("#undef QUELO_GL_ENTRY_RECORDED\n#undef QUELO_GL_ENTRY\n")
 
     # The names: plain GL names, the bit names, and the GLU tessellator names.
@@ -278,7 +290,7 @@ def main():
         enums.append(f"QUELO_GL_BIT({group}, {n})\n")
 
     for fname, content in (("gl_api.list", lines), ("gl_enums.inc", enums),
-                           ("ogl_passthrough.inc", passthrough)):
+                           ("gl_passthrough.h", passthrough)):
         with open(os.path.join(a.out, fname), "w") as f:
             f.writelines(content)
     print(f"{len(gl_funcs)} GL and {len(glu_funcs)} GLU entry points")

@@ -284,7 +284,7 @@ TEST(DispatchTables, EveryEntryPointIsFilledAndTracedUnderItsName) {
 #define QUELO_GL_ENTRY(ret, name, params, args, trace) \
   CheckEntry(#name, real.name, tracing.name);          \
   names.push_back(#name);
-#include "glctrl/gl_api.list"
+#include "glctrl/generated/gl_api.list"
 
   // GL 1.1 has 336 entry points; the program uses 12 GLU functions.
   EXPECT_EQ(names.size(), 336u + 12u);

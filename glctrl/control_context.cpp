@@ -1,39 +1,31 @@
-// The control's rendering context: pixel-format choice (with the settings file
-// KIVOhogl.ini), palette, context creation, making current and shutdown.
+#include "glctrl/control_context.h"
+
 #include <dlfcn.h>
 
 #include "common/messages.h"
 #include "common/runtime_error.h"
-#include "glctrl/opengl_ctrl.h"
-#include "glctrl/pixel_format.h"
-#include "glctrl/surface.h"
 
 namespace quelo {
 
 namespace {
-
-// Shared by every control: the descriptor the choice read last, and the
-// palette of the last set-up.
-PIXELFORMATDESCRIPTOR g_pixel_format_buffer;
-PaletteHandle g_palette = 0;
 
 constexpr std::uint32_t kWindowGLDouble =
     PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER;
 
 }  // namespace
 
-bool OpenGL_Ctrl::InitRC() {
+bool ControlContext::Init(const std::string& settings_directory) {
   try {
     // Loaded so that GL is present before any context exists; never freed,
     // and nothing is looked up through the handle.
     (void)dlopen("libGL.so.1", RTLD_LAZY | RTLD_GLOBAL);
-    g_palette = 0;
-    SetDCPixelFormat();
-    if (rendering_context_ == nullptr && ext_hdc_ != nullptr) {
-      rendering_context_ = ext_hdc_->CreateContext();
+    palette_ = 0;
+    SetPixelFormat(settings_directory);
+    if (rendering_context_ == nullptr && surface_ != nullptr) {
+      rendering_context_ = surface_->CreateContext();
     }
     if (rendering_context_ != nullptr) {
-      if (ext_hdc_ != nullptr) ext_hdc_->MakeCurrent(rendering_context_);
+      if (surface_ != nullptr) surface_->MakeCurrent(rendering_context_);
       initialised_ = -1;
       return true;
     }
@@ -45,7 +37,7 @@ bool OpenGL_Ctrl::InitRC() {
   }
 }
 
-void OpenGL_Ctrl::SetDCPixelFormat() {
+void ControlContext::SetPixelFormat(const std::string& settings_directory) {
   try {
     // What the properties ask for. It is filled in and then replaced by the
     // descriptor of the chosen format: the index alone decides.
@@ -72,32 +64,33 @@ void OpenGL_Ctrl::SetDCPixelFormat() {
         pfd.cDepthBits = 32;
     }
 
-    if (ext_hdc_ == nullptr) Raise(kErrInvalidCall);
-    DrawingSurface& dc = *ext_hdc_;
-    const Long index = prv_ChoosePixelFormat(dc);
-    pfd = g_pixel_format_buffer;
+    if (surface_ == nullptr) Raise(kErrInvalidCall);
+    DrawingSurface& dc = *surface_;
+    const Long index = ChoosePixelFormat(dc, settings_directory);
+    pfd = pixel_format_buffer_;
 
     if (!dc.SetPixelFormat(index, pfd)) Raise(kErrInvalidCall);
     if (dc.DescribePixelFormat(index, &pfd) == 0) Raise(kErrInvalidCall);
     if (!(pfd.dwFlags & PFD_NEED_PALETTE)) return;
 
     const LOGPALETTE palette = BuildPalette(pfd);
-    g_palette = dc.CreatePalette(palette);
-    if (g_palette == 0) return;
-    dc.SelectPalette(g_palette, false);
+    palette_ = dc.CreatePalette(palette);
+    if (palette_ == 0) return;
+    dc.SelectPalette(palette_, false);
     dc.RealizePalette();
   } catch (const RuntimeError&) {
     MsgBox("Error in SetDCPixelFormat");
   }
 }
 
-Long OpenGL_Ctrl::prv_ChoosePixelFormat(DrawingSurface& hDC) {
-  const PixelFormatSettings settings = ReadPixelFormatSettings(SettingsDirectory);
+Long ControlContext::ChoosePixelFormat(DrawingSurface& surface,
+                                       const std::string& settings_directory) {
+  const PixelFormatSettings settings = ReadPixelFormatSettings(settings_directory);
   const bool prefer_accelerated = settings.PreferAccelerated == -1;
   const Long pinned = settings.PixelFormatIndex;
 
-  g_pixel_format_buffer = PIXELFORMATDESCRIPTOR{};
-  const Long count = hDC.DescribePixelFormat(1, &g_pixel_format_buffer);
+  pixel_format_buffer_ = PIXELFORMATDESCRIPTOR{};
+  const Long count = surface.DescribePixelFormat(1, &pixel_format_buffer_);
   // Strictly below the count: the last format cannot be pinned.
   if (pinned >= 1 && pinned < count) return pinned;
 
@@ -105,9 +98,9 @@ Long OpenGL_Ctrl::prv_ChoosePixelFormat(DrawingSurface& hDC) {
   // already remembered.
   Long fallback = pinned;
   for (Long i = 1; i <= count; ++i) {
-    g_pixel_format_buffer = PIXELFORMATDESCRIPTOR{};
-    hDC.DescribePixelFormat(i, &g_pixel_format_buffer);
-    const std::uint32_t flags = g_pixel_format_buffer.dwFlags;
+    pixel_format_buffer_ = PIXELFORMATDESCRIPTOR{};
+    surface.DescribePixelFormat(i, &pixel_format_buffer_);
+    const std::uint32_t flags = pixel_format_buffer_.dwFlags;
     if ((flags & kWindowGLDouble) != kWindowGLDouble) continue;
     const bool generic = flags & PFD_GENERIC_FORMAT;
     const bool accelerated = flags & PFD_GENERIC_ACCELERATED;
@@ -123,27 +116,26 @@ Long OpenGL_Ctrl::prv_ChoosePixelFormat(DrawingSurface& hDC) {
   return 1;
 }
 
-void OpenGL_Ctrl::auxMakeCurrent() {
-  if (CurrentSurface() == ext_hdc_) return;
-  SetDCPixelFormat();
-  if (ext_hdc_ != nullptr) ext_hdc_->MakeCurrent(rendering_context_);
+void ControlContext::MakeCurrent(const std::string& settings_directory) {
+  if (CurrentSurface() == surface_) return;
+  SetPixelFormat(settings_directory);
+  if (surface_ != nullptr) surface_->MakeCurrent(rendering_context_);
 }
 
-void OpenGL_Ctrl::auxMakeNoneCurrent() {
+void ControlContext::MakeNoneCurrent() {
+  quelo::MakeNoneCurrent();
+}
+
+void ControlContext::ShutDown() {
   MakeNoneCurrent();
-}
-
-Long OpenGL_Ctrl::auxShutDown() {
-  auxMakeNoneCurrent();
   DeleteContext(rendering_context_);
   rendering_context_ = nullptr;
-  ext_hdc_ = nullptr;
+  surface_ = nullptr;
   if (initialised_ == -1) initialised_ = 0;
-  return 0;
 }
 
-void OpenGL_Ctrl::oglSwapBuffers() {
-  if (ext_hdc_ != nullptr) ext_hdc_->SwapBuffers();
+void ControlContext::SwapBuffers() {
+  if (surface_ != nullptr) surface_->SwapBuffers();
 }
 
 }  // namespace quelo

@@ -1,6 +1,5 @@
-// Bitmap text: glyphs of the surface's font, rasterised with FreeType into
-// one glBitmap display list per character, drawn by one glCallLists over the
-// text's character codes. These calls go to GL directly, never to a stream.
+#include "glctrl/bitmap_text.h"
+
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -13,8 +12,8 @@
 #include <vector>
 
 #include "common/runtime_error.h"
+#include "glctrl/control_context.h"
 #include "glctrl/gl_dispatch.h"
-#include "glctrl/opengl_ctrl.h"
 #include "glctrl/surface.h"
 
 namespace quelo {
@@ -197,41 +196,31 @@ std::vector<GLubyte> AnsiBytes(const std::string& text) {
 }
 
 // Draws the bytes at the raster position with the lists of base.
-void CallTextLists(Long base, const std::string& text, double X, double Y, double z) {
+void CallTextLists(Long base, const std::string& text, double x, double y, double z) {
   const GLDispatch& gl = GL();
   gl.glListBase(static_cast<GLuint>(base - 32));
   const std::vector<GLubyte> bytes = AnsiBytes(text);
-  gl.glRasterPos3f(CheckSingle(X), CheckSingle(Y), CheckSingle(z));
+  gl.glRasterPos3f(CheckSingle(x), CheckSingle(y), CheckSingle(z));
   gl.glCallLists(static_cast<GLsizei>(bytes.size()), GL_UNSIGNED_BYTE, bytes.data());
 }
 
 }  // namespace
 
-void OpenGL_Ctrl::fntPrintAt(const std::string& text, double X, double Y, double z) {
-  if (FontListBase == 0) {
-    // Kept even when the glyphs fail: later calls do not try again.
-    FontListBase = static_cast<Long>(GL().glGenLists(96));
-    if (!UseFontBitmaps(ext_hdc_, false, 32, 96, static_cast<GLuint>(FontListBase))) return;
+void BitmapText::PrintAt(Long& list_base, const std::string& text, double x, double y, double z) {
+  if (list_base == 0) {
+    list_base = static_cast<Long>(GL().glGenLists(96));
+    if (!UseFontBitmaps(context_.Surface(), false, 32, 96, static_cast<GLuint>(list_base))) {
+      return;
+    }
   }
-  CallTextLists(FontListBase, text, X, Y, z);
+  CallTextLists(list_base, text, x, y, z);
 }
 
-// Every call makes 96 new lists and never frees them; frequent text belongs
-// to fntPrintAt.
-Long OpenGL_Ctrl::auxTextOutA(const std::string& text, double X, double Y) {
+void BitmapText::TextOut(bool wide, const std::string& text, double x, double y) {
   const GLuint base = GL().glGenLists(96);
-  if (UseFontBitmaps(ext_hdc_, false, 32, 96, base)) {
-    CallTextLists(static_cast<Long>(base), text, X, Y, 0.0);
+  if (UseFontBitmaps(context_.Surface(), wide, 32, 96, base)) {
+    CallTextLists(static_cast<Long>(base), text, x, y, 0.0);
   }
-  return 0;
-}
-
-Long OpenGL_Ctrl::auxTextOutW(const std::string& text, double X, double Y) {
-  const GLuint base = GL().glGenLists(96);
-  if (UseFontBitmaps(ext_hdc_, true, 32, 96, base)) {
-    CallTextLists(static_cast<Long>(base), text, X, Y, 0.0);
-  }
-  return 0;
 }
 
 }  // namespace quelo

@@ -1,12 +1,10 @@
-// The polygon members: collect a polygon corner by corner into the one
-// program-wide polygon buffer (SharedPolygonBuffer()), triangulate it with
-// the facetter and draw the triangles with edge flags, so that outlines in
-// GL_LINE mode show the polygon's border and not the cut diagonals.
-//
 // tessEndPoly's handler shows "Error in tessEndPoly" for any run-time error
 // and resumes with the next statement: every statement below that can fail
 // runs inside its own Statement(), and drawing goes on with whatever the
 // failing statement left behind.
+#include "glctrl/polygon_members.h"
+
+#include "common/binary_file.h"
 #include "common/colour.h"
 #include "common/messages.h"
 #include "common/numbers.h"
@@ -14,7 +12,7 @@
 #include "facet/facetter.h"
 #include "facet/polygon_buffer.h"
 #include "glctrl/gl_dispatch.h"
-#include "glctrl/opengl_ctrl.h"
+#include "glctrl/recorder.h"
 #include "scenefile/record_writer.h"
 
 namespace quelo {
@@ -44,7 +42,7 @@ bool EdgeFlagOf(Long i, int j) {
   return (FacetTriangles[static_cast<std::size_t>(i)].edge_flags & (1 << j)) != 0;
 }
 
-// GLU tessellator callbacks of auxSetTessCallbacks.
+// GLU tessellator callbacks of SetTessCallbacks.
 void GLAPIENTRY TessBeginCallback(GLenum type) {
   GL().glBegin(type);
 }
@@ -57,48 +55,48 @@ void GLAPIENTRY TessVertexCallback(void* vertex_data) {
 
 }  // namespace
 
-void OpenGL_Ctrl::tessBeginPoly(Integer nEck) {
-  PolygonBuffer& polygon = SharedPolygonBuffer();
-  if (SendToFile) WriteTessBeginPolyRecord(Files().Get(FileHnd), nEck);
-  if (DontSendToGL) return;
-  polygon.corner_count = nEck;
-  polygon.vertices.Recreate(nEck);  // zero-filled; a negative count raises 9
-  tess_vertex_counter_ = 0;
+void PolygonMembers::BeginPoly(Integer corner_count) {
+  PolygonBuffer& polygon = buffer_;
+  if (switches_.SendToFile) WriteTessBeginPolyRecord(StreamFileOf(switches_), corner_count);
+  if (switches_.DontSendToGL) return;
+  polygon.corner_count = corner_count;
+  polygon.vertices.Recreate(corner_count);  // zero-filled; a negative count raises 9
+  vertex_counter_ = 0;
 }
 
-void OpenGL_Ctrl::tessVector3d(double X, double Y, double z) {
-  PolygonBuffer& polygon = SharedPolygonBuffer();
-  if (SendToFile) WriteTessVector3dRecord(Files().Get(FileHnd), X, Y, z);
-  if (DontSendToGL) return;
+void PolygonMembers::Vector3d(double x, double y, double z) {
+  PolygonBuffer& polygon = buffer_;
+  if (switches_.SendToFile) WriteTessVector3dRecord(StreamFileOf(switches_), x, y, z);
+  if (switches_.DontSendToGL) return;
   // The counter goes up first: a corner beyond the announced count raises 9
   // with the counter already increased.
-  tess_vertex_counter_ = IntAdd(tess_vertex_counter_, 1);
-  polygon.vertices(1, tess_vertex_counter_) = X;
-  polygon.vertices(2, tess_vertex_counter_) = Y;
-  polygon.vertices(3, tess_vertex_counter_) = z;
+  vertex_counter_ = IntAdd(vertex_counter_, 1);
+  polygon.vertices(1, vertex_counter_) = x;
+  polygon.vertices(2, vertex_counter_) = y;
+  polygon.vertices(3, vertex_counter_) = z;
 }
 
-void OpenGL_Ctrl::tessVector3dv(std::span<const double> v) {
-  PolygonBuffer& polygon = SharedPolygonBuffer();
+void PolygonMembers::Vector3dv(std::span<const double> v) {
+  PolygonBuffer& polygon = buffer_;
   // Elements 1 to 3 of the caller's 1-based array; index 0 is not read.
   auto element = [&v](std::size_t k) {
     if (k >= v.size()) Raise(kErrSubscript);
     return v[k];
   };
-  if (SendToFile) {
-    WriteTessVector3dvRecord(Files().Get(FileHnd), element(1), element(2), element(3));
+  if (switches_.SendToFile) {
+    WriteTessVector3dvRecord(StreamFileOf(switches_), element(1), element(2), element(3));
   }
-  if (DontSendToGL) return;
-  tess_vertex_counter_ = IntAdd(tess_vertex_counter_, 1);
-  polygon.vertices(1, tess_vertex_counter_) = element(1);
-  polygon.vertices(2, tess_vertex_counter_) = element(2);
-  polygon.vertices(3, tess_vertex_counter_) = element(3);
+  if (switches_.DontSendToGL) return;
+  vertex_counter_ = IntAdd(vertex_counter_, 1);
+  polygon.vertices(1, vertex_counter_) = element(1);
+  polygon.vertices(2, vertex_counter_) = element(2);
+  polygon.vertices(3, vertex_counter_) = element(3);
 }
 
-void OpenGL_Ctrl::tessEndPoly() {
-  PolygonBuffer& polygon = SharedPolygonBuffer();
-  if (SendToFile) WriteTessEndPolyRecord(Files().Get(FileHnd));
-  if (DontSendToGL) return;
+void PolygonMembers::EndPoly() {
+  PolygonBuffer& polygon = buffer_;
+  if (switches_.SendToFile) WriteTessEndPolyRecord(StreamFileOf(switches_));
+  if (switches_.DontSendToGL) return;
   const GLDispatch& gl = GL();
 
   // Close the ring: corner 0 is the corner before corner 1.
@@ -106,7 +104,7 @@ void OpenGL_Ctrl::tessEndPoly() {
     Statement(
         [&polygon, k] { polygon.vertices(k, 0) = polygon.vertices(k, polygon.corner_count); });
   }
-  tess_vertex_counter_ = 0;
+  vertex_counter_ = 0;
   Statement([&polygon] { RunFacetter(polygon); });
 
   // The triangles, each corner with the edge flag of the edge leaving it.
@@ -123,7 +121,7 @@ void OpenGL_Ctrl::tessEndPoly() {
   }
   gl.glEnd();
 
-  // The marking inside each triangle. tess_centre_ is Single on purpose: the
+  // The marking inside each triangle. centre_ is Single on purpose: the
   // centre is rounded to single precision although the corners are Doubles.
   auto centre = [this, &polygon](Long i) {
     for (Long k = 1; k <= 3; ++k) {
@@ -131,7 +129,7 @@ void OpenGL_Ctrl::tessEndPoly() {
         double sum =
             CheckDouble(polygon.vertices(k, CornerOf(i, 0)) + polygon.vertices(k, CornerOf(i, 1)));
         sum = CheckDouble(sum + polygon.vertices(k, CornerOf(i, 2)));
-        tess_centre_[k] = CheckSingle(DivDouble(sum, 3.0));
+        centre_[k] = CheckSingle(DivDouble(sum, 3.0));
       });
     }
   };
@@ -146,7 +144,7 @@ void OpenGL_Ctrl::tessEndPoly() {
           Long c = CornerOf(i, j);
           auto shrunk = [&](Long k) {
             double twice = CheckDouble(2.0 * polygon.vertices(k, c));
-            return DivDouble(CheckDouble(twice + double{tess_centre_[k]}), 3.0);
+            return DivDouble(CheckDouble(twice + double{centre_[k]}), 3.0);
           };
           double x = shrunk(1);
           double y = shrunk(2);
@@ -166,33 +164,33 @@ void OpenGL_Ctrl::tessEndPoly() {
         Statement([&] {
           Long c = CornerOf(i, j);
           auto halfway = [&](Long k) {
-            return DivDouble(CheckDouble(double{tess_centre_[k]} + polygon.vertices(k, c)), 2.0);
+            return DivDouble(CheckDouble(double{centre_[k]} + polygon.vertices(k, c)), 2.0);
           };
           double x = halfway(1);
           double y = halfway(2);
           double z = halfway(3);
           gl.glVertex3d(x, y, z);
         });
-        gl.glVertex3d(tess_centre_[1], tess_centre_[2], tess_centre_[3]);
+        gl.glVertex3d(centre_[1], centre_[2], centre_[3]);
       }
       gl.glEnd();
     }
   };
   auto marking_colour = [&] {
-    ColourSplit c = SplitColour(TessInTriColor);
+    ColourSplit c = SplitColour(marking_.TessInTriColor);
     gl.glColor3f(c.red, c.green, c.blue);  // left in force afterwards
   };
 
-  if (TessFlag_DoInTri == 1) {
+  if (marking_.TessFlag_DoInTri == 1) {
     marking_colour();
     inner_triangles(true);
-  } else if (TessFlag_DoInTri == 2) {
+  } else if (marking_.TessFlag_DoInTri == 2) {
     marking_colour();
     inner_triangles(false);  // the edge flag in force is the last one set
-  } else if (TessFlag_DoInTri == 3) {
+  } else if (marking_.TessFlag_DoInTri == 3) {
     marking_colour();
     strokes();
-  } else if (TessFlag_DoInTri == 4) {
+  } else if (marking_.TessFlag_DoInTri == 4) {
     marking_colour();
     gl.glEnable(GL_LINE_STIPPLE);
     gl.glLineStipple(4, static_cast<GLushort>(0x1111));
@@ -201,23 +199,11 @@ void OpenGL_Ctrl::tessEndPoly() {
   }
 }
 
-// tessEnable(1) stores -1, which is none of the marking modes 1 to 4: the
-// marking stays off. Modes are chosen by assigning TessFlag_DoInTri directly.
-void OpenGL_Ctrl::tessEnable(Long& Flag) {
-  if (Flag == 1) TessFlag_DoInTri = -1;
-}
-
-void OpenGL_Ctrl::tessDisable(Long& Flag) {
-  if (Flag == 1) TessFlag_DoInTri = 0;
-}
-
-void OpenGL_Ctrl::auxSetTessCallbacks(GLUtesselator* pGLUtesselator) {
+void PolygonMembers::SetTessCallbacks(GLUtesselator* tess) {
   const GLDispatch& gl = GL();
-  gl.gluTessCallback(pGLUtesselator, GLU_TESS_BEGIN,
-                     reinterpret_cast<_GLUfuncptr>(&TessBeginCallback));
-  gl.gluTessCallback(pGLUtesselator, GLU_TESS_END, reinterpret_cast<_GLUfuncptr>(&TessEndCallback));
-  gl.gluTessCallback(pGLUtesselator, GLU_TESS_VERTEX,
-                     reinterpret_cast<_GLUfuncptr>(&TessVertexCallback));
+  gl.gluTessCallback(tess, GLU_TESS_BEGIN, reinterpret_cast<_GLUfuncptr>(&TessBeginCallback));
+  gl.gluTessCallback(tess, GLU_TESS_END, reinterpret_cast<_GLUfuncptr>(&TessEndCallback));
+  gl.gluTessCallback(tess, GLU_TESS_VERTEX, reinterpret_cast<_GLUfuncptr>(&TessVertexCallback));
 }
 
 }  // namespace quelo
