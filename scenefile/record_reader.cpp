@@ -7,6 +7,20 @@
 
 namespace quelo {
 
+namespace {
+
+void ReadField(BinaryFile& f, Long& value) {
+  value = f.ReadLong();
+}
+void ReadField(BinaryFile& f, Single& value) {
+  value = f.ReadSingle();
+}
+void ReadField(BinaryFile& f, double& value) {
+  value = f.ReadDouble();
+}
+
+}  // namespace
+
 const char* StreamFormName(StreamForm form) {
   switch (form) {
     case StreamForm::kFramed:
@@ -36,28 +50,6 @@ std::size_t Record::ArgCount() const {
   return action == RecordAction::kPlay && s != nullptr ? s->field_count : 0;
 }
 
-ArgValue Record::Arg(std::size_t i) const {
-  ArgValue v;
-  const OpSpec* s = spec();
-  if (s == nullptr || i >= s->field_count) return v;
-  std::size_t li = 0, si = 0, di = 0;
-  for (std::size_t k = 0; k <= i; ++k) {
-    v.kind = s->field_storage[k].kind;
-    switch (v.kind) {
-      case FieldKind::kLong:
-        v.l = longs[li++];
-        break;
-      case FieldKind::kSingle:
-        v.s = singles[si++];
-        break;
-      case FieldKind::kDouble:
-        v.d = doubles[di++];
-        break;
-    }
-  }
-  return v;
-}
-
 RecordReader::RecordReader(BinaryFile& f) : f_(f) {
   start_ = f_.Position();
   const Long first = f_.ReadLong();
@@ -79,20 +71,7 @@ bool RecordReader::Next(Record& rec) {
 }
 
 bool RecordReader::ReadPayload(Record& rec) {
-  std::size_t li = 0, si = 0, di = 0;
-  for (const FieldSpec& field : FindOp(rec.op)->fields()) {
-    switch (field.kind) {
-      case FieldKind::kLong:
-        rec.longs[li++] = f_.ReadLong();
-        break;
-      case FieldKind::kSingle:
-        rec.singles[si++] = f_.ReadSingle();
-        break;
-      case FieldKind::kDouble:
-        rec.doubles[di++] = f_.ReadDouble();
-        break;
-    }
-  }
+  VisitFields(rec, [this](auto& value) { ReadField(f_, value); });
   // Reads run forward, so a payload cut short leaves Eof set by its last field.
   return !f_.Eof();
 }

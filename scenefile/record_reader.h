@@ -50,14 +50,6 @@ enum class RecordAction { kPlay, kSkip, kStop };
 const char* StreamFormName(StreamForm form);
 const char* RecordActionName(RecordAction action);
 
-// One payload value, of the kind that the table lays out.
-struct ArgValue {
-  FieldKind kind = FieldKind::kLong;
-  Long l = 0;
-  Single s = 0;
-  double d = 0;
-};
-
 struct Record {
   Long position = 0;  // 1-based position of the op field
   Long op = 0;
@@ -71,10 +63,33 @@ struct Record {
 
   // The table entry of op, or nullptr for an unknown code.
   const OpSpec* spec() const { return FindOp(op); }
-  // Number of payload values (0 unless kPlay) and the i-th in table order.
+  // Number of payload values: 0 unless kPlay.
   std::size_t ArgCount() const;
-  ArgValue Arg(std::size_t i) const;
 };
+
+// Calls visit(value) for each payload field of rec in table order, with a
+// reference to the Long, Single or double of rec that holds it: the one walk
+// over the table's layout that writing, reading and printing share. An
+// unknown op has no fields. R is Record or const Record.
+template <class R, class Visitor>
+void VisitFields(R& rec, Visitor&& visit) {
+  const OpSpec* spec = FindOp(rec.op);
+  if (spec == nullptr) return;
+  std::size_t longs = 0, singles = 0, doubles = 0;
+  for (const FieldSpec& field : spec->fields()) {
+    switch (field.kind) {
+      case FieldKind::kLong:
+        visit(rec.longs[longs++]);
+        break;
+      case FieldKind::kSingle:
+        visit(rec.singles[singles++]);
+        break;
+      case FieldKind::kDouble:
+        visit(rec.doubles[doubles++]);
+        break;
+    }
+  }
+}
 
 class RecordReader {
  public:

@@ -7,9 +7,7 @@ namespace quelo {
 
 namespace {
 
-constexpr FieldKind L = FieldKind::kLong;
-constexpr FieldKind S = FieldKind::kSingle;
-constexpr FieldKind D = FieldKind::kDouble;
+using enum FieldKind;
 
 constexpr OpSpec Make(Long code, std::string_view method, Long length,
                       std::initializer_list<FieldSpec> fields) {
@@ -20,32 +18,33 @@ constexpr OpSpec Make(Long code, std::string_view method, Long length,
 
 constexpr std::array<OpSpec, kOpCount> kTable = {
     Make(kOpEndOfSeq, "FilePutEndOfSeq", 0, {}),
-    Make(kOpBegin, "oglBegin", 4, {{L, "mode"}}),
+    Make(kOpBegin, "oglBegin", 4, {{kLong, "mode"}}),
     Make(kOpEnd, "oglEnd", 0, {}),
-    Make(kOpColor3f, "oglColor3f", 12, {{S, "red"}, {S, "green"}, {S, "blue"}}),
-    Make(kOpVertex3f, "oglVertex3f", 12, {{S, "x"}, {S, "y"}, {S, "z"}}),
+    Make(kOpColor3f, "oglColor3f", 12, {{kSingle, "red"}, {kSingle, "green"}, {kSingle, "blue"}}),
+    Make(kOpVertex3f, "oglVertex3f", 12, {{kSingle, "x"}, {kSingle, "y"}, {kSingle, "z"}}),
     Make(kOpMaterialfv, "oglMaterialfv", 24,
-         {{L, "face"},
-          {L, "pname"},
-          {S, "params(0)"},
-          {S, "params(1)"},
-          {S, "params(2)"},
-          {S, "params(3)"}}),
-    Make(kOpPolygonMode, "oglPolygonMode", 8, {{L, "face"}, {L, "mode"}}),
-    Make(kOpFrontFace, "oglFrontFace", 4, {{L, "mode"}}),
-    Make(kOpNormal3f, "oglNormal3f", 12, {{S, "nx"}, {S, "ny"}, {S, "nz"}}),
+         {{kLong, "face"},
+          {kLong, "pname"},
+          {kSingle, "params(0)"},
+          {kSingle, "params(1)"},
+          {kSingle, "params(2)"},
+          {kSingle, "params(3)"}}),
+    Make(kOpPolygonMode, "oglPolygonMode", 8, {{kLong, "face"}, {kLong, "mode"}}),
+    Make(kOpFrontFace, "oglFrontFace", 4, {{kLong, "mode"}}),
+    Make(kOpNormal3f, "oglNormal3f", 12, {{kSingle, "nx"}, {kSingle, "ny"}, {kSingle, "nz"}}),
     // The flag is stored as a Long, -1 for true and 0 for false.
-    Make(kOpEdgeFlag, "oglEdgeFlag", 4, {{L, "flag"}}),
+    Make(kOpEdgeFlag, "oglEdgeFlag", 4, {{kLong, "flag"}}),
     // The packed 0x00BBGGRR Long, not the three channels it is drawn with.
-    Make(kOpColorLong, "auxColorLong", 4, {{L, "Clr"}}),
+    Make(kOpColorLong, "auxColorLong", 4, {{kLong, "Clr"}}),
     // The method takes a 16-bit count; the record widens it to a Long.
-    Make(kOpTessBeginPoly, "tessBeginPoly", 4, {{L, "nEck"}}),
+    Make(kOpTessBeginPoly, "tessBeginPoly", 4, {{kLong, "nEck"}}),
     Make(kOpTessEndPoly, "tessEndPoly", 0, {}),
-    Make(kOpTessVector3d, "tessVector3d", 24, {{D, "X"}, {D, "Y"}, {D, "z"}}),
+    Make(kOpTessVector3d, "tessVector3d", 24, {{kDouble, "X"}, {kDouble, "Y"}, {kDouble, "z"}}),
     // Elements 1, 2 and 3 of the caller's 1-based array.
-    Make(kOpTessVector3dv, "tessVector3dv", 24, {{D, "v(1)"}, {D, "v(2)"}, {D, "v(3)"}}),
-    Make(kOpBlockBegin, "auxPutBlockBegin", 4, {{L, "LBlockID"}}),
-    Make(kOpBlockEnd, "auxPutBlockEnd", 4, {{L, "LBlockID"}}),
+    Make(kOpTessVector3dv, "tessVector3dv", 24,
+         {{kDouble, "v(1)"}, {kDouble, "v(2)"}, {kDouble, "v(3)"}}),
+    Make(kOpBlockBegin, "auxPutBlockBegin", 4, {{kLong, "LBlockID"}}),
+    Make(kOpBlockEnd, "auxPutBlockEnd", 4, {{kLong, "LBlockID"}}),
 };
 
 // The length column must agree with the layout column.

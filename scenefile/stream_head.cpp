@@ -59,8 +59,8 @@ const std::array<PictureOffset, kUnknownVertexCount>& UnknownPictureOffsets() {
 }
 
 const std::array<unsigned char, kStreamHeadSize>& StreamHeadBytes() {
-  static const std::array<unsigned char, kStreamHeadSize> head = BuildHead();
-  return head;
+  static const std::array<unsigned char, kStreamHeadSize> kHead = BuildHead();
+  return kHead;
 }
 
 void WriteStreamHead(BinaryFile& f) {

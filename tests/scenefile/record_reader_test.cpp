@@ -85,11 +85,11 @@ TEST(RecordRoundTrip, EveryOperationReadsBackAsWritten) {
   EXPECT_EQ(R[12].doubles, (std::array<double, 3>{1.0 / 3.0, -2e100, 7.0}));
   EXPECT_EQ(R[13].doubles, (std::array<double, 3>{-0.5, 0.125, 1e-300}));
   EXPECT_EQ(R[16].longs[0], -7);
-  // Args in table order: oglMaterialfv is face, pname, then the four values.
+  // Fields in table order: oglMaterialfv is face, pname, then the four values.
   ASSERT_EQ(R[4].ArgCount(), 6u);
-  EXPECT_EQ(R[4].Arg(1).l, 4609);
-  EXPECT_EQ(R[4].Arg(5).kind, FieldKind::kSingle);
-  EXPECT_EQ(R[4].Arg(5).s, 1e30f);
+  std::vector<double> fields;
+  VisitFields(R[4], [&fields](auto v) { fields.push_back(static_cast<double>(v)); });
+  EXPECT_EQ(fields, (std::vector<double>{1032, 4609, 0.25, -1.5, 3e-7f, 1e30f}));
   EXPECT_EQ(R[17].ArgCount(), 0u);
 }
 

@@ -44,10 +44,12 @@ void DumpText(BinaryFile& f, Long kind, Long position) {
       std::printf("  %10d  op %-3d len %-4d %-5s %s", r.position, r.op, r.length,
                   RecordActionName(r.action), MethodName(r).c_str());
       if (r.action == RecordAction::kPlay) {
+        const char* separator = "";
         std::cout << "(";
-        for (std::size_t i = 0; i < r.ArgCount(); ++i) {
-          std::cout << (i ? ", " : "") << FormatArg(r.Arg(i));
-        }
+        VisitFields(r, [&separator](auto value) {
+          std::cout << separator << FormatArg(value);
+          separator = ", ";
+        });
         std::cout << ")";
       }
       std::cout << "\n";
@@ -96,7 +98,9 @@ void DumpJson(BinaryFile& f, Long kind, Long position) {
     try {
       while (reader->Next(r)) {
         nlohmann::json args = nlohmann::json::array();
-        for (std::size_t i = 0; i < r.ArgCount(); ++i) args.push_back(JsonArg(r.Arg(i)));
+        if (r.action == RecordAction::kPlay) {
+          VisitFields(r, [&args](auto value) { args.push_back(JsonArg(value)); });
+        }
         const nlohmann::json rec = {
             {"position", r.position}, {"op", r.op},   {"length", r.length},
             {"name", MethodName(r)},  {"args", args}, {"action", RecordActionName(r.action)}};

@@ -14,11 +14,11 @@
 #include <string>
 
 #include "common/runtime_error.h"
+#include "form/quelo_form.h"
 #include "glctrl/surface_egl.h"
+#include "image/png_image.h"
 #include "tools/qgl/commands.h"
 #include "tools/qgl/qgl_common.h"
-#include "image/png_image.h"
-#include "form/quelo_form.h"
 
 namespace quelo::qgl {
 

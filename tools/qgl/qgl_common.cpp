@@ -69,28 +69,24 @@ nlohmann::json JsonSingle(Single v) {
   return std::strtod(FormatSingle(v).c_str(), nullptr);
 }
 
-std::string FormatArg(const ArgValue& v) {
-  switch (v.kind) {
-    case FieldKind::kLong:
-      return std::to_string(v.l);
-    case FieldKind::kSingle:
-      return FormatSingle(v.s);
-    case FieldKind::kDouble:
-      return FormatDouble(v.d);
-  }
-  return {};
+std::string FormatArg(Long v) {
+  return std::to_string(v);
+}
+std::string FormatArg(Single v) {
+  return FormatSingle(v);
+}
+std::string FormatArg(double v) {
+  return FormatDouble(v);
 }
 
-nlohmann::json JsonArg(const ArgValue& v) {
-  switch (v.kind) {
-    case FieldKind::kLong:
-      return v.l;
-    case FieldKind::kSingle:
-      return JsonSingle(v.s);
-    case FieldKind::kDouble:
-      return v.d;
-  }
-  return nullptr;
+nlohmann::json JsonArg(Long v) {
+  return v;
+}
+nlohmann::json JsonArg(Single v) {
+  return JsonSingle(v);
+}
+nlohmann::json JsonArg(double v) {
+  return v;
 }
 
 std::string DescribeLocateResult(Long result) {

@@ -32,9 +32,13 @@ std::string FormatDouble(double v);
 // written as 0.1 rather than 0.10000000149011612.
 nlohmann::json JsonSingle(Single v);
 
-// A decoded argument as text and as JSON.
-std::string FormatArg(const ArgValue& v);
-nlohmann::json JsonArg(const ArgValue& v);
+// A decoded payload field (VisitFields) as text and as JSON.
+std::string FormatArg(Long v);
+std::string FormatArg(Single v);
+std::string FormatArg(double v);
+nlohmann::json JsonArg(Long v);
+nlohmann::json JsonArg(Single v);
+nlohmann::json JsonArg(double v);
 
 // What a LocateStream result means, in a few words.
 std::string DescribeLocateResult(Long result);
