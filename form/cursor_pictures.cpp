@@ -205,12 +205,12 @@ CursorPicture Magnifier(bool plus) {
 }  // namespace
 
 const CursorPicture& GetCursorPicture(CursorKind kind) {
-  static const std::map<CursorKind, CursorPicture> pictures = {
+  static const std::map<CursorKind, CursorPicture> kPictures = {
       {CursorKind::kPick, Arrow()},         {CursorKind::kSpot, Target()},
       {CursorKind::kDrag, Hand(false)},     {CursorKind::kDragging, Hand(true)},
       {CursorKind::kZoom, Magnifier(true)}, {CursorKind::kCram, Magnifier(false)},
   };
-  return pictures.at(kind);
+  return kPictures.at(kind);
 }
 
 }  // namespace quelo

@@ -18,8 +18,8 @@ const GLDispatch* g_current = nullptr;
 }  // namespace
 
 const GLDispatch& RealGL() {
-  static const GLDispatch real = MakeRealTable();
-  return real;
+  static const GLDispatch kReal = MakeRealTable();
+  return kReal;
 }
 
 const GLDispatch& GL() {

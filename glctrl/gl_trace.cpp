@@ -30,7 +30,7 @@ struct NameTables {
 };
 
 const NameTables& Names() {
-  static const NameTables tables = [] {
+  static const NameTables kTables = [] {
     NameTables t;
 #define QUELO_GL_NAME(n) t.any.emplace(static_cast<GLenum>(n), #n);
 #define QUELO_GL_GROUP_NAME(g, n) t.grouped.emplace(std::make_pair(int{g}, GLenum{n}), #n);
@@ -41,7 +41,7 @@ const NameTables& Names() {
 #undef QUELO_GL_BIT
     return t;
   }();
-  return tables;
+  return kTables;
 }
 
 // The name of v, or nullptr.
@@ -393,7 +393,7 @@ GLUtesselator* TraceNewTess() {
 }
 
 const GLDispatch& TracingTable() {
-  static const GLDispatch table = [] {
+  static const GLDispatch kTable = [] {
     GLDispatch d;
 #define QUELO_GL_ENTRY(ret, name, params, args, trace) d.name = &Trace_##name;
 #include "glctrl/generated/gl_api.list"
@@ -401,7 +401,7 @@ const GLDispatch& TracingTable() {
     d.gluNewTess = &TraceNewTess;
     return d;
   }();
-  return table;
+  return kTable;
 }
 
 }  // namespace

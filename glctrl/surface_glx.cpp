@@ -45,7 +45,7 @@ void* OpenFirst(std::initializer_list<const char*> names, std::string& tried) {
 }
 
 const GlxApi& Api() {
-  static const GlxApi api = [] {
+  static const GlxApi kApi = [] {
     GlxApi a;
     std::string tried;
     void* x11 = OpenFirst({"libX11.so.6", "libX11.so"}, tried);
@@ -68,7 +68,7 @@ const GlxApi& Api() {
     if (!missing.empty()) a.error = "X11/GLX is not available: missing" + missing;
     return a;
   }();
-  return api;
+  return kApi;
 }
 
 // Catches the X errors of a few GLX calls instead of letting Xlib's default
