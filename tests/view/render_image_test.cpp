@@ -11,18 +11,18 @@
 //   QUELO_UPDATE_BASELINES=1 ctest --test-dir build -R RenderImage
 // which writes every rendered picture over its baseline.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 
+#include "image/png_image.h"
 #include "scenefile/container.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
+#include "support/run_command.h"
 #include "support/temp_dir.h"
-#include "image/png_image.h"
 
 namespace quelo {
 namespace {
@@ -36,35 +36,18 @@ const std::string kDemo = QUELO_SOURCE_DIR "/examples/demo.qgl";
 const fs::path kBaselines = QUELO_SOURCE_DIR "/tests/view/baselines";
 const fs::path kOutDir = QUELO_BINARY_DIR "/tests/view/render_out";
 
-std::string Quote(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
+using testing::Quoted;
 
-struct RunResult {
-  int status = -1;
-  std::string err;
-};
-
-// Runs qgl with its standard error kept in dir (tests run in parallel).
-RunResult RunQgl(const testing::TempDir& dir, const std::string& args) {
+testing::CommandResult RunQgl(const std::string& args) {
   // Byte-identical software renders need the test environment of
   // tests/CMakeLists.txt: run through ctest.
   const char* width = std::getenv("LP_NATIVE_VECTOR_WIDTH");
   EXPECT_STREQ(width ? width : "", "128") << "run the picture tests through ctest";
   fs::create_directories(kOutDir);
-  const std::string err = dir.File("stderr.txt");
-  const std::string cmd = Quote(QGL_BINARY) + " " + args + " 2>" + Quote(err) + " </dev/null";
-  const int raw = std::system(cmd.c_str());
-  RunResult r;
-  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  const auto e = testing::ReadAll(err);
-  r.err.assign(e.begin(), e.end());
-  return r;
+  return testing::RunCommand(Quoted(QGL_BINARY) + " " + args);
 }
 
-bool NoHeadlessGL(const RunResult& r) {
+bool NoHeadlessGL(const testing::CommandResult& r) {
   return r.status == 2 && r.err.find("cannot render") != std::string::npos;
 }
 
@@ -131,8 +114,8 @@ TEST_P(RenderImage, MatchesItsBaseline) {
   fs::remove(out);
   fs::remove(diff_path);
 
-  const RunResult r = RunQgl(dir, "render " + Quote(ScenePath(dir, c.scene)) + " -o " +
-                                      Quote(out.string()) + " --size 320x240 " + c.args);
+  const auto r = RunQgl("render " + Quoted(ScenePath(dir, c.scene)) + " -o " +
+                        Quoted(out.string()) + " --size 320x240 " + c.args);
   if (NoHeadlessGL(r)) GTEST_SKIP() << r.err;
   ASSERT_EQ(r.status, 0) << r.err;
   const RgbImage actual = ReadPng(out.string());
@@ -178,8 +161,8 @@ bool IsWhite(const std::uint8_t* p) {
 TEST(RenderPicture, EmptySceneShowsOnlyTheThreeAxesOnWhite) {
   testing::TempDir dir;
   const fs::path out = kOutDir / "probe_empty.png";
-  const RunResult r = RunQgl(dir, "render " + Quote(ScenePath(dir, "empty")) + " -o " +
-                                      Quote(out.string()) + " --size 160x120");
+  const auto r = RunQgl("render " + Quoted(ScenePath(dir, "empty")) + " -o " +
+                        Quoted(out.string()) + " --size 160x120");
   if (NoHeadlessGL(r)) GTEST_SKIP() << r.err;
   ASSERT_EQ(r.status, 0) << r.err;
   const RgbImage img = ReadPng(out.string());
@@ -213,8 +196,8 @@ TEST(RenderPicture, EmptySceneShowsOnlyTheThreeAxesOnWhite) {
 TEST(RenderPicture, SceneIsFittedWithItsMarginAndBackFacesCulled) {
   testing::TempDir dir;
   const fs::path out = kOutDir / "probe_fit.png";
-  const RunResult r = RunQgl(dir, "render " + Quote(ScenePath(dir, "culled")) + " -o " +
-                                      Quote(out.string()) + " --size 400x300 --view end");
+  const auto r = RunQgl("render " + Quoted(ScenePath(dir, "culled")) + " -o " +
+                        Quoted(out.string()) + " --size 400x300 --view end");
   if (NoHeadlessGL(r)) GTEST_SKIP() << r.err;
   ASSERT_EQ(r.status, 0) << r.err;
   const RgbImage img = ReadPng(out.string());
@@ -244,21 +227,18 @@ TEST(RenderPicture, SceneIsFittedWithItsMarginAndBackFacesCulled) {
 TEST(RenderCommand, FailuresHaveTheToolsExitStatuses) {
   testing::TempDir dir;
   const std::string png = dir.File("x.png");
-  RunResult r = RunQgl(dir, "render " + Quote(dir.File("missing.qgl")) + " -o " + Quote(png));
+  auto r = RunQgl("render " + Quoted(dir.File("missing.qgl")) + " -o " + Quoted(png));
   EXPECT_EQ(r.status, 2);
   EXPECT_NE(r.err.find("File not found"), std::string::npos) << r.err;
 
-  r = RunQgl(dir, "render " + Quote(kDemo) + " -o " + Quote(png) + " --size 12by4");
-  EXPECT_EQ(r.status, 2);
-  EXPECT_NE(r.err.find("--size"), std::string::npos) << r.err;
-  r = RunQgl(dir, "render " + Quote(kDemo) + " -o " + Quote(png) + " --hor 361");
-  EXPECT_EQ(r.status, 2);
-  r = RunQgl(dir, "render " + Quote(kDemo) + " -o " + Quote(png) + " --view top");
-  EXPECT_EQ(r.status, 2);
+  for (const char* bad : {" --size 12by4", " --hor 361", " --view top"}) {
+    r = RunQgl("render " + Quoted(kDemo) + " -o " + Quoted(png) + bad);
+    EXPECT_EQ(r.status, 2) << bad;
+  }
   EXPECT_FALSE(fs::exists(png));
 
-  r = RunQgl(dir, "render " + Quote(kDemo) + " -o " + Quote(dir.File("no/such/dir.png")) +
-                      " --size 40x30");
+  r = RunQgl("render " + Quoted(kDemo) + " -o " + Quoted(dir.File("no/such/dir.png")) +
+             " --size 40x30");
   if (NoHeadlessGL(r)) GTEST_SKIP() << r.err;
   EXPECT_EQ(r.status, 2);
   EXPECT_NE(r.err.find("cannot write"), std::string::npos) << r.err;
@@ -267,7 +247,7 @@ TEST(RenderCommand, FailuresHaveTheToolsExitStatuses) {
   // scene, and reported.
   const std::string foreign = dir.File("foreign.qgl");
   testing::WriteAll(foreign, std::vector<unsigned char>(64, 'x'));
-  r = RunQgl(dir, "render " + Quote(foreign) + " -o " + Quote(png) + " --size 40x30");
+  r = RunQgl("render " + Quoted(foreign) + " -o " + Quoted(png) + " --size 40x30");
   EXPECT_EQ(r.status, 1) << r.err;
   EXPECT_TRUE(fs::exists(png));
 }
