@@ -4,22 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include "support/temp_dir.h"
 #include "form/cursor_pictures.h"
 #include "form/info_box.h"
+#include "support/temp_dir.h"
 
 namespace quelo::testing {
 namespace {
 
 void WriteText(const std::string& path, const std::string& text) {
   WriteAll(path, std::vector<unsigned char>(text.begin(), text.end()));
-}
-
-TEST(InfoBoxTexts, CaptionTitleAndVersion) {
-  InfoBox box;
-  EXPECT_EQ(box.Caption(), "About KIVO 4.0");
-  EXPECT_EQ(box.Title(), "Quelo");
-  EXPECT_EQ(box.VersionLine(), "Version 4.0.0");
 }
 
 TEST(InfoBoxFigures, EachClickAppendsMemoryAndTheThreeHeapLines) {
@@ -51,22 +44,6 @@ TEST(InfoBoxFigures, FallsBackToMemFreeThenToNoInformation) {
   unreadable.Info_Lbl_Click();
   EXPECT_NE(unreadable.Info_Lbl().find("\nMemory Free: No Information Available\n"),
             std::string::npos);
-}
-
-TEST(InfoBoxFigures, WithoutProcItAsksTheKernelDirectly) {
-  InfoBox box("/nonexistent/meminfo");
-  const auto kb = box.FreeMemoryKB();
-  ASSERT_TRUE(kb.has_value());
-  EXPECT_GT(*kb, 0u);
-  box.Info_Lbl_Click();
-  EXPECT_TRUE(std::regex_search(box.Info_Lbl(), std::regex("\nMemory Free: [0-9,]+ KB\n")));
-}
-
-TEST(InfoBoxFigures, ThousandsAreGrouped) {
-  EXPECT_EQ(GroupThousands(0), "0");
-  EXPECT_EQ(GroupThousands(999), "999");
-  EXPECT_EQ(GroupThousands(1000), "1,000");
-  EXPECT_EQ(GroupThousands(123456789), "123,456,789");
 }
 
 TEST(CursorPictures, SixDistinctPicturesVisibleOnAnyBackground) {

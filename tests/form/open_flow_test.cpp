@@ -1,8 +1,8 @@
 // The open dialog function, the open flow and the toolkit boundary.
 #include <stdexcept>
 
-#include "support/temp_dir.h"
 #include "form_fixture.h"
+#include "support/temp_dir.h"
 
 namespace quelo::testing {
 namespace {
@@ -25,13 +25,6 @@ TEST_F(OpenFlow, OffersTheSceneFilterAndTheStarName) {
   EXPECT_EQ(dialog.shown_filter, "KIVO OpenGL File (*.qgl)|*.qgl|All files (*.*)|*.*");
   EXPECT_EQ(dialog.shown_file_name, "*.qgl");
   EXPECT_TRUE(dialog.shown_cancel_error);
-}
-
-TEST_F(OpenFlow, OtherFileTypesHaveNoExtensionOrKindWord) {
-  dialog.answer = "/somewhere/picked";
-  EXPECT_EQ(form.COM_OpenFileDlg(dialog, 3, "scene"), "/somewhere/picked");
-  EXPECT_EQ(dialog.shown_filter, "KIVO  File (*.)|*.|All files (*.*)|*.*");
-  EXPECT_EQ(dialog.shown_file_name, "scene.");
 }
 
 TEST_F(OpenFlow, CancelIsSilentAndChangesNothing) {

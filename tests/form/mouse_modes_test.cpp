@@ -31,19 +31,6 @@ class MouseModes : public FormTest {
   }
 };
 
-TEST_F(MouseModes, SecondClickOnAModeButtonReleasesIt) {
-  form.Mouse_Chk[0].UserClick();  // Drag
-  EXPECT_EQ(form.MouseMode(), kModeDrag);
-  EXPECT_EQ(Buttons(), (std::vector<Integer>{1, 0, 0, 0}));
-  EXPECT_EQ(form.FacePbx.MousePointer(), kPointerCustom);
-  EXPECT_EQ(Icon(), CursorIconId(CursorKind::kDrag));
-
-  form.Mouse_Chk[0].UserClick();
-  EXPECT_EQ(form.MouseMode(), kModeNone);
-  EXPECT_EQ(Buttons(), (std::vector<Integer>{0, 0, 0, 0}));
-  EXPECT_EQ(Icon(), CursorIconId(CursorKind::kPick));
-}
-
 TEST_F(MouseModes, EachButtonChoosesItsModeAndCursor) {
   const struct {
     int button;
@@ -85,23 +72,6 @@ TEST_F(MouseModes, SwitchingModesDoesNotReenterTheClickHandler) {
   // and do nothing; then the user's click ends having switched the mode.
   EXPECT_EQ(clicks, (std::vector<std::string>{"guarded idle", "guarded idle", "guarded idle",
                                               "user acted"}));
-}
-
-TEST_F(MouseModes, ModeFiveReleasesAllButtonsKeepsTheCursorAndDoesNothing) {
-  form.MouseMode(kModeZoomOut);
-  form.MouseMode(5);
-  EXPECT_EQ(form.MouseMode(), 5);
-  EXPECT_EQ(Buttons(), (std::vector<Integer>{0, 0, 0, 0}));
-  EXPECT_EQ(Icon(), CursorIconId(CursorKind::kCram));
-
-  const auto window = Window();
-  const auto swaps = SwapCount();
-  Drag(-5, -5, 5, 5);
-  form.FacePbx_MouseUp(kLeftButton, 0, 1, 1);
-  EXPECT_EQ(Window(), window);
-  EXPECT_EQ(SwapCount(), swaps);
-  EXPECT_TRUE(band.boxes.empty());
-  EXPECT_TRUE(gl.Lines().empty());
 }
 
 TEST_F(MouseModes, CentreModeCentresOnTheLeftClickOnly) {

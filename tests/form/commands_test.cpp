@@ -205,34 +205,5 @@ TEST_F(Commands, AxesAndGridsRebuildTheListLightsOnlyRedraw) {
   EXPECT_TRUE(Traced("glGenLists(1)"));
 }
 
-TEST_F(Commands, MenuBarHasEveryItemWithItsShortcut) {
-  int separators = 0;
-  std::vector<std::string> shortcuts;
-  for (const auto& line : form.MenuBar()) {
-    if (line.item == nullptr) {
-      ++separators;
-      continue;
-    }
-    EXPECT_FALSE(line.item->Checked()) << line.name;
-    EXPECT_TRUE(line.item->Enabled()) << line.name;
-    EXPECT_TRUE(line.item->Click) << line.name;
-    if (line.shortcut != MenuShortcut::kNone) {
-      shortcuts.push_back(std::string(line.name) + "=" + line.item->Caption());
-    }
-  }
-  EXPECT_EQ(separators, 4);
-  EXPECT_EQ(form.MenuBar().size(), 19u);
-  EXPECT_EQ(shortcuts,
-            (std::vector<std::string>{"File_OpenGLFile=&Open KIVO OpenGL File",
-                                      "View_ZoomIn=Zoom &In", "View_ZoomOut=Zoom &Out"}));
-}
-
-TEST_F(Commands, ExitUnloadsAllFormsAndAboutShowsTheInfoBox) {
-  form.File_Exit.UserClick();
-  form.Help_About.UserClick();
-  EXPECT_EQ(host.Count("UnloadAllForms"), 1);
-  EXPECT_EQ(host.Count("ShowInfoBox"), 1);
-}
-
 }  // namespace
 }  // namespace quelo::testing

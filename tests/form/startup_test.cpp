@@ -33,19 +33,6 @@ TEST(StartupOrder, FirstRedrawComesBeforeTheContextAndDrawsNothing) {
   EXPECT_EQ(std::count(surface.log.begin(), surface.log.end(), "SwapBuffers()"), swaps + 1);
 }
 
-TEST_F(Startup, BeginsWithTheDesignState) {
-  EXPECT_EQ(form.HorAng(), 60);
-  EXPECT_EQ(form.VerAng(), 30);
-  EXPECT_EQ(form.Zoom_Scr.Value(), 256);
-  EXPECT_EQ(form.MouseMode(), 0);
-  for (const auto& button : form.Mouse_Chk) EXPECT_EQ(button.Value(), 0);
-  EXPECT_EQ(form.Spin_Chk.Value(), 0);
-  EXPECT_FALSE(form.Spin_Tmr.Enabled());
-  EXPECT_EQ(form.Main_StBr.PanelText(1), "");
-  EXPECT_EQ(form.SceneFileName, "");
-  EXPECT_EQ(form.RoomBox, (std::array<Single, 6>{}));
-}
-
 TEST_F(Startup, UnloadFreesTheListAndShutsTheControlDown) {
   ASSERT_NE(form.RenderList, 0);
   gl.Clear();
@@ -86,32 +73,6 @@ TEST_F(Layout, FramesTheDrawingAreaWithTheThreeScrollBars) {
   // The layout ends in a repaint of the form and a redraw.
   EXPECT_EQ(host.calls.back(), "Refresh");
   EXPECT_TRUE(Traced("glViewport(0, 0, 706, 489)"));
-}
-
-TEST_F(Layout, HoldsTheMinimumHeightAndAcceptsItExactly) {
-  const Long minimum = (70 + 222 + 24) * kTw;
-  form.FormHeight = minimum - kTw;
-  form.Form_Resize();
-  EXPECT_EQ(form.FormHeight, minimum);
-  EXPECT_EQ(host.Count("FormSizeChanged"), 1);
-  EXPECT_GT(form.FacePbx.Height(), 0);
-
-  form.FormHeight = minimum;
-  form.Form_Resize();
-  EXPECT_EQ(form.FormHeight, minimum);
-  EXPECT_EQ(host.Count("FormSizeChanged"), 1);
-}
-
-TEST_F(Layout, HoldsTheToolbarWidth) {
-  form.FormWidth = 100 * kTw;
-  form.Form_Resize();
-  EXPECT_EQ(form.FormWidth, 470 * kTw);
-  EXPECT_EQ(host.Count("FormSizeChanged"), 1);
-  EXPECT_EQ(form.FacePbx.Width(), 470 - 60 - 2 * 17);
-
-  form.FormWidth = 470 * kTw;
-  form.Form_Resize();
-  EXPECT_EQ(host.Count("FormSizeChanged"), 1);
 }
 
 TEST_F(Layout, MinimisedWindowKeepsEveryControlWhereItWas) {
