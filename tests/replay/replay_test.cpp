@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "support/bytes.h"
+#include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
@@ -127,14 +127,6 @@ TEST(BlockSwitches, EnablingKeepsTheLopsidedRemoval) {
   EXPECT_FALSE(c.auxBlockEnabled(5));
   c.auxBlockEnabled(7, true);  // not in the list: nothing
   EXPECT_EQ(c.DisabledBlocks().size(), 2u);
-}
-
-TEST_F(Replay, FileOpenEmptiesTheDisabledList) {
-  { StreamBuilder s(path); }
-  ctrl.auxBlockEnabled(2, false);
-  ctrl.FileOpen(path);
-  EXPECT_TRUE(ctrl.DisabledBlocks().empty());
-  ctrl.FileClose();
 }
 
 TEST_F(Replay, WrongLengthIsSkippedWholeAndReadingGoesOnAfterIt) {

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
+#include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
