@@ -6,11 +6,11 @@
 #include <cstring>
 #include <vector>
 
-#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
-#include "support/fake_surface.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/pixel_format.h"
+#include "support/fake_surface.h"
+#include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
@@ -186,26 +186,6 @@ TEST_F(ChoiceTest, PinnedIndexIsSetWithTheDescriptorOfFormatOne) {
   EXPECT_TRUE(SameDescriptor(surface.set_descriptors[0], mixed[0]));
 }
 
-TEST_F(ChoiceTest, InitPropertiesChangeNeitherChoiceNorDescriptor) {
-  struct Wish {
-    Long flags, colour, depth;
-  };
-  for (const Wish w : {Wish{0, 0, 0}, Wish{0, 12, 8}, Wish{64, 8, 16}, Wish{4096, 32, 24},
-                       Wish{64 | 4096, 16, 32}}) {
-    FakeSurface surface(mixed);
-    ctrl.ExtHDC(&surface);
-    ctrl.InitFlags(w.flags);
-    ctrl.InitColorBits(w.colour);
-    ctrl.InitDepthBits(w.depth);
-    ctrl.SetDCPixelFormat();
-    EXPECT_EQ(surface.GetPixelFormat(), 3) << w.colour << "/" << w.depth;
-    ASSERT_EQ(surface.set_descriptors.size(), 1u);
-    EXPECT_TRUE(SameDescriptor(surface.set_descriptors[0], mixed[2]));
-  }
-  EXPECT_EQ(ctrl.InitColorBits(), 16);  // stored as given
-  EXPECT_EQ(ctrl.InitDepthBits(), 32);
-}
-
 TEST_F(ChoiceTest, PaletteOf332FormatIsBuiltSelectedAndRealised) {
   std::vector<PIXELFORMATDESCRIPTOR> table = mixed;
   table[2] = F(kWin | kGeneric | PFD_NEED_PALETTE, 8, 16);
@@ -228,59 +208,6 @@ TEST_F(ChoiceTest, PaletteOf332FormatIsBuiltSelectedAndRealised) {
   EXPECT_EQ(rgb(8), (std::vector<int>{0, 36, 0, 0}));
   EXPECT_EQ(rgb(64), (std::vector<int>{0, 0, 85, 0}));
   EXPECT_EQ(rgb(0x92), (std::vector<int>{72, 72, 170, 0}));
-}
-
-TEST_F(ChoiceTest, RefusedPaletteIsIgnoredSilently) {
-  FakeSurface surface({F(kWin | kGeneric | PFD_NEED_PALETTE, 8)});
-  surface.palette_handle = 0;
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
-  ctrl.SetDCPixelFormat();
-  EXPECT_TRUE(messages.Texts().empty());
-  EXPECT_EQ(surface.log, (std::vector<std::string>{"SetPixelFormat(1)", "CreatePalette(256)"}));
-}
-
-TEST_F(ChoiceTest, NoPaletteWithoutTheNeedPaletteBit) {
-  FakeSurface surface({F(kWin | kGeneric, 8)});
-  ctrl.ExtHDC(&surface);
-  ctrl.SetDCPixelFormat();
-  EXPECT_EQ(surface.log, std::vector<std::string>{"SetPixelFormat(1)"});
-}
-
-TEST(Palette, ArithmeticFaultsAreRunTimeErrors) {
-  auto error_of = [](PIXELFORMATDESCRIPTOR pfd) {
-    try {
-      BuildPalette(pfd);
-    } catch (const RuntimeError& e) {
-      return e.number();
-    }
-    return 0;
-  };
-  PIXELFORMATDESCRIPTOR pfd = FakeSurface::Format(kWin | PFD_NEED_PALETTE, 8);
-  EXPECT_EQ(error_of(pfd), 0);
-  // 2^15 entries do not fit a signed 16-bit count.
-  pfd.cColorBits = 15;
-  EXPECT_EQ(error_of(pfd), kErrOverflow);
-  pfd.cColorBits = 14;
-  EXPECT_EQ(error_of(pfd), kErrOverflow);  // i / 2^0 beyond a byte
-  // 8-bit channels: 255 x 255 overflows the 16-bit product.
-  pfd = FakeSurface::Format(kWin | PFD_NEED_PALETTE, 8);
-  pfd.cRedBits = 8;
-  EXPECT_EQ(error_of(pfd), kErrOverflow);
-  pfd.cRedBits = 7;  // 127 x 255 still fits
-  EXPECT_EQ(error_of(pfd), 0);
-  pfd.cRedBits = 0;
-  EXPECT_EQ(error_of(pfd), kErrDivisionByZero);
-}
-
-TEST_F(ChoiceTest, PaletteOverflowIsReportedAndContextSetUpGoesOn) {
-  FakeSurface surface({F(kWin | kGeneric | PFD_NEED_PALETTE, 16)});
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
-  EXPECT_TRUE(ctrl.InitRC());
-  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in SetDCPixelFormat"});
-  EXPECT_EQ(surface.contexts_alive(), 1);
-  ctrl.auxShutDown();
 }
 
 TEST_F(ChoiceTest, FailingPixelFormatCallIsReported) {
@@ -324,15 +251,6 @@ TEST_F(ChoiceTest, ContextThatCannotBeMadeShowsMessageAndReturnsEmpty) {
   EXPECT_TRUE(ctrl.InitRC());  // no context was kept, so it is tried again
   EXPECT_EQ(surface.contexts_made, 1);
   ctrl.auxShutDown();
-}
-
-TEST_F(ChoiceTest, RunTimeErrorInInitRCIsCaughtByItsHandler) {
-  FakeSurface surface(mixed);
-  surface.throw_in_create_context = true;
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
-  EXPECT_FALSE(ctrl.InitRC());
-  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in InitRC"});
 }
 
 TEST_F(ChoiceTest, NoSurfaceGivesBothMessagesAndNoCrash) {
@@ -382,14 +300,6 @@ TEST_F(ChoiceTest, MakeCurrentActsOnlyWhenAnotherSurfaceIsCurrent) {
   EXPECT_EQ(first.contexts_alive(), 0);
 }
 
-TEST_F(ChoiceTest, ShutDownWithoutContextIsHarmless) {
-  FakeSurface surface(mixed);
-  ctrl.ExtHDC(&surface);
-  EXPECT_EQ(ctrl.auxShutDown(), 0);
-  EXPECT_EQ(ctrl.ExtHDC(), nullptr);
-  EXPECT_EQ(ctrl.auxShutDown(), 0);
-}
-
 // ---- The order of the format list ---------------------------------------------
 
 FormatCandidate Candidate(int r, int g, int b, int depth, bool doubled, int samples = 0,
@@ -423,12 +333,6 @@ TEST(FormatOrder, GoodPlainDoubleBufferedFormatsComeFirst) {
   EXPECT_TRUE(IsGoodPlainFormat(list[0]));
   EXPECT_TRUE(IsGoodPlainFormat(list[2]));
   EXPECT_FALSE(IsGoodPlainFormat(list[3]));
-}
-
-TEST(FormatOrder, FlagNamesListEveryBit) {
-  EXPECT_EQ(FlagNames(37), "DRAW_TO_WINDOW|SUPPORT_OPENGL|DOUBLEBUFFER");
-  EXPECT_EQ(FlagNames(0), "0");
-  EXPECT_EQ(FlagNames(PFD_NEED_PALETTE | 0x10000), "NEED_PALETTE|65536");
 }
 
 }  // namespace

@@ -6,11 +6,11 @@
 
 #include <vector>
 
-#include "support/recorded_messages.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/pixel_format.h"
 #include "glctrl/surface_egl.h"
+#include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
@@ -159,23 +159,6 @@ TEST_F(EglTest, TextOutDrawsTheSameGlyphsAsFntPrintAt) {
   EXPECT_EQ(pictures[0], pictures[2]);
 }
 
-TEST_F(EglTest, TextOutAlwaysDrawsAtZZero) {
-  ctrl.ExtHDC(&surface);
-  ASSERT_TRUE(ctrl.InitRC());
-  const GLDispatch& gl = GL();
-  // A raster position beyond the far plane drops the string; z = 0 lies inside.
-  StartFrame();
-  gl.glColor3f(1, 1, 1);
-  ctrl.fntPrintAt("X", -0.5, -0.5, 5);
-  ctrl.oglSwapBuffers();
-  EXPECT_EQ(Count(surface.KeptImage(), {255, 255, 255, 255}, 0, 0, 64, 48), 0);
-  ctrl.auxTextOutA("X", -0.5, -0.5);
-  ctrl.auxTextOutW("X", 0.5, -0.5);
-  ctrl.oglSwapBuffers();
-  EXPECT_GT(Count(surface.KeptImage(), {255, 255, 255, 255}, 0, 0, 32, 48), 5);
-  EXPECT_GT(Count(surface.KeptImage(), {255, 255, 255, 255}, 32, 0, 64, 48), 5);
-}
-
 TEST_F(EglTest, SettingsFilePinsAFormat) {
   // Pin the first format with a 16-bit depth buffer.
   PIXELFORMATDESCRIPTOR pfd;
@@ -210,23 +193,6 @@ TEST(EglSurfaceErrors, MissingEglGivesMessagesNotACrash) {
   EXPECT_EQ(messages.Texts(),
             (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
   EXPECT_FALSE(surface.SwapBuffers());
-}
-
-TEST(EglSurfaceErrors, EmptySizeOffersNoFormats) {
-  EglSurface surface(0, 10);
-  EXPECT_NE(surface.Error(), "");
-  EXPECT_EQ(surface.DescribePixelFormat(1, nullptr), 0);
-}
-
-TEST(EglSurfaceErrors, SwapOfASurfaceThatIsNotCurrentKeepsNoPicture) {
-  EglSurface surface(8, 8);
-  ASSERT_EQ(surface.Error(), "");
-  PIXELFORMATDESCRIPTOR pfd;
-  ASSERT_TRUE(surface.SetPixelFormat(1, pfd));
-  EXPECT_FALSE(surface.SetPixelFormat(2, pfd));  // one format for life
-  EXPECT_TRUE(surface.SetPixelFormat(1, pfd));
-  EXPECT_FALSE(surface.SwapBuffers());
-  EXPECT_TRUE(surface.KeptImage().rgba.empty());
 }
 
 }  // namespace

@@ -14,10 +14,10 @@
 #include <memory>
 #include <string>
 
-#include "support/recorded_messages.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/surface_glx.h"
+#include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
@@ -199,35 +199,6 @@ TEST_F(GlxTest, ChildWindowGetsTheContextOfTheChosenConfiguration) {
   EXPECT_EQ(glXGetCurrentContext(), nullptr);
   EXPECT_EQ(CurrentSurface(), nullptr);
   EXPECT_EQ(ctrl.ExtHDC(), nullptr);
-}
-
-TEST_F(GlxTest, SettingsFilePinsAFormat) {
-  // A double-buffered format other than the first, with a visual of its own.
-  PIXELFORMATDESCRIPTOR pfd;
-  const int count = surface->DescribePixelFormat(1, &pfd);
-  int pinned = 0;
-  for (int i = 2; i < count && pinned == 0; ++i) {
-    surface->DescribePixelFormat(i, &pfd);
-    if ((pfd.dwFlags & PFD_DOUBLEBUFFER) && pfd.cDepthBits == 16 &&
-        surface->VisualIdOf(i) != surface->VisualIdOf(1)) {
-      pinned = i;
-    }
-  }
-  ASSERT_NE(pinned, 0);
-  testing::WriteAll(dir.File("KIVOhogl.ini"),
-                    {0, 0, 0, 0, static_cast<unsigned char>(pinned & 0xFF),
-                     static_cast<unsigned char>(pinned >> 8), 0, 0});
-  const int index = ctrl.prv_ChoosePixelFormat(*surface);
-  ASSERT_EQ(index, pinned);
-  ShowWith(index);
-  surface->AttachWindow(fl_xid(first));
-  ctrl.ExtHDC(surface.get());
-  ASSERT_TRUE(ctrl.InitRC());
-  EXPECT_EQ(CurrentFBConfigId(), surface->FBConfigId(pinned));
-  EXPECT_NE(CurrentFBConfigId(), surface->FBConfigId(1));
-  GLint depth = 0;
-  GL().glGetIntegerv(GL_DEPTH_BITS, &depth);
-  EXPECT_EQ(depth, 16);
 }
 
 TEST_F(GlxTest, WindowWithAnotherVisualRefusesTheFormat) {

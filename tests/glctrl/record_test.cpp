@@ -7,13 +7,13 @@
 
 #include "common/binary_file.h"
 #include "common/runtime_error.h"
-#include "support/error_of.h"
 #include "facet/polygon_buffer.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/record_reader.h"
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
+#include "support/error_of.h"
 #include "support/temp_dir.h"
 
 namespace quelo {

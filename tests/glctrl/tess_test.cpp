@@ -115,62 +115,11 @@ TEST_F(Polygon, MarkingModesOneToFour) {
   EXPECT_TRUE(messages.Texts().empty());
 }
 
-TEST_F(Polygon, ModeFourLeavesStipplingDisabled) {
-  ctrl.TessFlag_DoInTri = 4;
-  ScopedTracingGL trace;
-  ctrl.oglEnable(GL_LINE_STIPPLE);
-  Lines lines = Draw(triangle);
-  EXPECT_EQ(lines.back(), "glDisable(GL_LINE_STIPPLE)");
-  EXPECT_EQ(std::count(lines.begin(), lines.end(), "glDisable(GL_LINE_STIPPLE)"), 1);
-}
-
-TEST_F(Polygon, TheMarkingCentreIsRoundedToSingle) {
-  ctrl.TessFlag_DoInTri = 3;
-  Lines marking = Marking(Draw({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}));
-  ASSERT_EQ(marking.size(), 9u);
-  // 1/3 as a Single, then widened: not 0.3333333333333333.
-  EXPECT_EQ(marking[3], "glVertex3d(0.3333333432674408, 0.3333333432674408, 0)");
-  // Halfway from corner (1, 0, 0): the Single centre plus the Double corner.
-  EXPECT_EQ(marking[4], "glVertex3d(0.6666666716337204, 0.1666666716337204, 0)");
-}
-
-TEST_F(Polygon, TessEnableStoresMinusOneWhichDrawsNoMarking) {
-  Long one = 1, two = 2;
-  ctrl.tessEnable(two);
-  EXPECT_EQ(ctrl.TessFlag_DoInTri, 0);
-  ctrl.tessEnable(one);
-  EXPECT_EQ(ctrl.TessFlag_DoInTri, -1);
-  EXPECT_EQ(Draw(triangle), triangle_lines);
-  ctrl.TessFlag_DoInTri = 3;
-  ctrl.tessDisable(two);
-  EXPECT_EQ(ctrl.TessFlag_DoInTri, 3);
-  ctrl.tessDisable(one);
-  EXPECT_EQ(ctrl.TessFlag_DoInTri, 0);
-}
-
 TEST_F(Polygon, NoneOrOneCornerDrawsNothingAndSaysNothing) {
   const Lines empty = {"glBegin(GL_TRIANGLES)", "glEnd()"};
   EXPECT_EQ(Draw({}), empty);
   EXPECT_EQ(Draw({{1, 2, 3}}), empty);
   EXPECT_TRUE(messages.Texts().empty());
-}
-
-TEST_F(Polygon, TwoCornersGiveOneDegenerateTriangle) {
-  EXPECT_EQ(Draw({{1, 2, 3}, {4, 5, 6}}),
-            (Lines{"glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)", "glVertex3d(1, 2, 3)",
-                   "glEdgeFlag(GL_TRUE)", "glVertex3d(4, 5, 6)", "glEdgeFlag(GL_TRUE)",
-                   "glVertex3d(4, 5, 6)", "glEnd()"}));
-}
-
-TEST_F(Polygon, MissingCornersAreZero) {
-  ScopedTracingGL trace;
-  ctrl.tessBeginPoly(3);
-  ctrl.tessVector3d(5, 0, 0);
-  ctrl.tessEndPoly();
-  EXPECT_EQ(trace.Lines(),
-            (Lines{"glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)", "glVertex3d(5, 0, 0)",
-                   "glEdgeFlag(GL_TRUE)", "glVertex3d(0, 0, 0)", "glEdgeFlag(GL_TRUE)",
-                   "glVertex3d(0, 0, 0)", "glEnd()"}));
 }
 
 TEST_F(Polygon, CollinearCornersShowOneErrorAndDrawNoTriangle) {
@@ -226,17 +175,6 @@ TEST_F(Polygon, RecordingWithoutGlStoresNoCorner) {
     WriteTessEndPolyRecord(*f);
   }
   EXPECT_EQ(testing::ReadAll(path), testing::ReadAll(expected));
-}
-
-TEST_F(Polygon, GluCallbacksAreRegisteredInOrder) {
-  ScopedTracingGL trace;
-  GLUtesselator* tess = ctrl.ogluNewTess();
-  ctrl.DontSendToGL = true;  // ignored here
-  ctrl.auxSetTessCallbacks(tess);
-  EXPECT_EQ(trace.Lines(),
-            (Lines{"gluNewTess()", "gluTessCallback(<tess 1>, GLU_TESS_BEGIN, <callback>)",
-                   "gluTessCallback(<tess 1>, GLU_TESS_END, <callback>)",
-                   "gluTessCallback(<tess 1>, GLU_TESS_VERTEX, <callback>)"}));
 }
 
 // The real GLU tessellator calls the three callbacks, which draw through

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "common/runtime_error.h"
-#include "support/error_of.h"
-#include "support/fake_surface.h"
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
+#include "support/error_of.h"
+#include "support/fake_surface.h"
 
 namespace quelo {
 namespace {
@@ -135,10 +135,6 @@ TEST_F(TextTest, CharactersAreSentAsSingleByteCodes) {
   for (std::size_t i = before; i < trace.Lines().size(); ++i) {
     EXPECT_EQ(trace.Lines()[i].rfind("glCallLists(", 0), std::string::npos);
   }
-}
-
-TEST_F(TextTest, CoordinatesBeyondSinglePrecisionOverflow) {
-  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.fntPrintAt("a", 1e39, 0, 0); }), kErrOverflow);
 }
 
 TEST_F(TextTest, FontThatFailsLeavesFontListBaseSetAndIsNotRetried) {

@@ -176,26 +176,6 @@ TEST(TraceFormat, ArraysSizedByCountAndType) {
             "glDeleteTextures(2, [5, 6])");
 }
 
-TEST(TraceFormat, BitmapBytesAtUnpackAlignmentFour) {
-  // Width 9: two bytes a row, rows 4 bytes apart, the last row unpadded.
-  const GLubyte bits[10] = {1, 2, 0, 0, 3, 4, 0, 0, 5, 6};
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glBitmap(9, 3, 0, 0.5f, 10, 0, bits); }),
-            "glBitmap(9, 3, 0, 0.5, 10, 0, [1, 2, 0, 0, 3, 4, 0, 0, 5, 6])");
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glBitmap(0, 0, 0, 0, 4, 0, nullptr); }),
-            "glBitmap(0, 0, 0, 0, 4, 0, NULL)");
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glBitmap(0, 0, 0, 0, 4, 0, bits); }),
-            "glBitmap(0, 0, 0, 0, 4, 0, [])");
-}
-
-TEST(TraceFormat, UnsizedBuffersAndOutputs) {
-  GLubyte pixels[16] = {};
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glDrawPixels(2, 2, GL_RGBA, GL_UNSIGNED_BYTE, pixels); }),
-            "glDrawPixels(2, 2, GL_RGBA, GL_UNSIGNED_BYTE, <data>)");
-  EXPECT_EQ(
-      TraceOne([&](auto& gl) { gl.glReadPixels(0, 0, 2, 2, GL_RGBA, GL_UNSIGNED_BYTE, pixels); }),
-      "glReadPixels(0, 0, 2, 2, GL_RGBA, GL_UNSIGNED_BYTE, <out>)");
-}
-
 // ---- Results ------------------------------------------------------------------------------
 
 TEST(TraceResults, ListNamesCountUpFromOnePerScope) {
@@ -210,58 +190,6 @@ TEST(TraceResults, ListNamesCountUpFromOnePerScope) {
   }
   ScopedTracingGL again;
   EXPECT_EQ(GL().glGenLists(1), 1u);
-}
-
-TEST(TraceResults, GettersAnswerBenignValues) {
-  ScopedTracingGL trace;
-  EXPECT_EQ(GL().glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-  EXPECT_EQ(GL().glIsList(1), GL_FALSE);
-  EXPECT_EQ(GL().glIsEnabled(GL_LIGHTING), GL_FALSE);
-  EXPECT_EQ(GL().glRenderMode(GL_SELECT), 0);
-  const GLubyte* vendor = GL().glGetString(GL_VENDOR);
-  ASSERT_NE(vendor, nullptr);
-  EXPECT_EQ(vendor[0], 0);
-
-  // The elements GL would write become zero; the rest is left alone.
-  GLint viewport[5] = {9, 9, 9, 9, 9};
-  GL().glGetIntegerv(GL_VIEWPORT, viewport);
-  EXPECT_EQ(std::vector<GLint>(viewport, viewport + 5), (std::vector<GLint>{0, 0, 0, 0, 9}));
-  GLdouble matrix[17];
-  for (double& d : matrix) d = 7;
-  GL().glGetDoublev(GL_MODELVIEW_MATRIX, matrix);
-  EXPECT_EQ(matrix[15], 0);
-  EXPECT_EQ(matrix[16], 7);
-  GLfloat shininess[2] = {5, 5};
-  GL().glGetMaterialfv(GL_FRONT, GL_SHININESS, shininess);
-  EXPECT_EQ(shininess[0], 0);
-  EXPECT_EQ(shininess[1], 5);
-
-  GLuint textures[3] = {};
-  GL().glGenTextures(3, textures);
-  EXPECT_EQ(std::vector<GLuint>(textures, textures + 3), (std::vector<GLuint>{1, 2, 3}));
-  EXPECT_EQ(trace.Lines().back(), "glGenTextures(3, <out>)");
-}
-
-TEST(TraceResults, GluObjectsAndCallbacksPrintStably) {
-  ScopedTracingGL trace;
-  GLUtesselator* a = GL().gluNewTess();
-  GLUtesselator* b = GL().gluNewTess();
-  ASSERT_NE(a, nullptr);
-  EXPECT_NE(a, b);
-  GL().gluTessCallback(b, GLU_TESS_BEGIN, nullptr);
-  GL().gluTessProperty(a, GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_NONZERO);
-  GL().gluTessProperty(a, GLU_TESS_TOLERANCE, 0.25);
-  GLdouble corner[3] = {1, 2, 3};
-  GL().gluTessVertex(a, corner, corner);
-  GL().gluPickMatrix(10, 20, 5, 5, std::vector<GLint>{0, 0, 640, 480}.data());
-  GL().gluDeleteTess(a);
-  EXPECT_EQ(
-      trace.Lines(),
-      (Lines{"gluNewTess()", "gluNewTess()", "gluTessCallback(<tess 2>, GLU_TESS_BEGIN, NULL)",
-             "gluTessProperty(<tess 1>, GLU_TESS_WINDING_RULE, GLU_TESS_WINDING_NONZERO)",
-             "gluTessProperty(<tess 1>, GLU_TESS_TOLERANCE, 0.25)",
-             "gluTessVertex(<tess 1>, [1, 2, 3], <data>)",
-             "gluPickMatrix(10, 20, 5, 5, [0, 0, 640, 480])", "gluDeleteTess(<tess 1>)"}));
 }
 
 // ---- The tables ---------------------------------------------------------------------------
