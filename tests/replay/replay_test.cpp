@@ -273,7 +273,7 @@ TEST_F(Replay, ReplayWhileRecordingIntoTheSameFileStaysBounded) {
   // the record that follows; the replay must still come to an end.
   ctrl.SendToFile = true;
   const auto lines = Play(path, ctrl);
-  EXPECT_FALSE(lines.empty());
+  ASSERT_FALSE(lines.empty());
   EXPECT_EQ(lines.front(), "glVertex3f(1, 2, 3)");
   // Records that start within the old end still play, so the file grows by at
   // most the longest record (32 bytes).

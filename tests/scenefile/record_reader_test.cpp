@@ -101,7 +101,10 @@ TEST(RecordRoundTrip, RewritingDecodedRecordsGivesTheSameBytes) {
   {
     auto f = BinaryFile::Open(copy, BinaryFile::Access::kReadWrite);
     WriteStreamHead(*f);
-    for (const Record& r : d.records) WriteRecord(*f, r);
+    for (const Record& r : d.records) {
+      ASSERT_NE(r.spec(), nullptr) << "at " << r.position;  // WriteRecord needs a known op
+      WriteRecord(*f, r);
+    }
   }
   EXPECT_EQ(testing::ReadAll(copy), testing::ReadAll(original));
 }
@@ -184,6 +187,27 @@ TEST(RecordReader, KnownCodeWithWrongLengthIsSkippedWhole) {
   EXPECT_EQ(ds.records[0].action, RecordAction::kSkip);
   EXPECT_EQ(ds.records[1].op, kOpEnd);
   EXPECT_EQ(ds.records[1].action, RecordAction::kPlay);
+}
+
+// Only the table's exact length plays; one byte more or less is skipped, and
+// the next record is still found at H + length.
+TEST(RecordReader, EveryCodePlaysOnlyAtItsExactLength) {
+  TempDir dir;
+  for (Long op = 1; op < kOpCount; ++op) {
+    const Long exact = FindOp(op)->length;
+    for (Long length : {exact - 1, exact, exact + 1}) {
+      if (length < 0) continue;
+      SCOPED_TRACE(::testing::Message() << "op " << op << ", length " << length);
+      auto b = Framed();
+      b.L(op).L(length).Raw(std::vector<unsigned char>(static_cast<std::size_t>(length), 0));
+      b.L(kOpEnd).L(0).L(0).L(0);
+      const auto d = DecodeBytes(dir, b.data());
+      ASSERT_EQ(d.records.size(), 3u);
+      EXPECT_EQ(d.records[0].action, length == exact ? RecordAction::kPlay : RecordAction::kSkip);
+      EXPECT_EQ(d.records[1].op, kOpEnd);
+      EXPECT_EQ(d.records[1].position, kFirst + 8 + length);
+    }
+  }
 }
 
 TEST(RecordReader, UnknownCodesAndOpZeroWithALengthAreSkipped) {
