@@ -1,19 +1,18 @@
 // qgl info and qgl dump, run as programs on files made by the writer and on
 // hand-damaged ones: exit statuses, messages and output.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdlib>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 
-#include "support/bytes.h"
 #include "scenefile/container.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
+#include "support/bytes.h"
+#include "support/run_command.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
@@ -24,30 +23,14 @@ using testing::TempDir;
 
 const std::string kExample = QUELO_SOURCE_DIR "/examples/example.qgl";
 
-struct RunResult {
-  int status = -1;
-  std::string out;
-  std::string err;
+using testing::Quoted;
+
+struct RunResult : testing::CommandResult {
   nlohmann::json Json() const { return nlohmann::json::parse(out); }
 };
 
-std::string Quote(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-RunResult RunQgl(const TempDir& dir, const std::string& args) {
-  const std::string out = dir.File("stdout.txt"), err = dir.File("stderr.txt");
-  const std::string cmd =
-      Quote(QGL_BINARY) + " " + args + " >" + Quote(out) + " 2>" + Quote(err) + " </dev/null";
-  const int raw = std::system(cmd.c_str());
-  RunResult r;
-  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  const auto o = testing::ReadAll(out), e = testing::ReadAll(err);
-  r.out.assign(o.begin(), o.end());
-  r.err.assign(e.begin(), e.end());
-  return r;
+RunResult RunQgl(const std::string& args) {
+  return {testing::RunCommand(Quoted(QGL_BINARY) + " " + args)};
 }
 
 int Lines(const std::string& s) {
@@ -95,7 +78,7 @@ std::string Save(const TempDir& dir, const Bytes& b, const std::string& name = "
 
 TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
   TempDir dir;
-  const auto r = RunQgl(dir, "info --json " + Quote(kExample));
+  const auto r = RunQgl("info --json " + Quoted(kExample));
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.err, "");
   const auto j = r.Json();
@@ -120,7 +103,7 @@ TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
   for (std::size_t i = 0; i + 1 < j["chunks"].size(); ++i) {
     EXPECT_EQ(j["chunks"][i]["next"], j["chunks"][i + 1]["position"]);
   }
-  const auto text = RunQgl(dir, "info " + Quote(kExample));
+  const auto text = RunQgl("info " + Quoted(kExample));
   EXPECT_EQ(text.status, 0);
   EXPECT_NE(text.out.find("\"GLA3\""), std::string::npos);
   EXPECT_NE(text.out.find("stream at"), std::string::npos);
@@ -131,7 +114,7 @@ TEST(QglInfo, CyclicChainIsListedOnceAndEnds) {
   Bytes b = Header();
   Chunk(b, "PIFC", 1, 1, 73);
   Chunk(b, "XXXX", 0, 0, 37);
-  const auto r = RunQgl(dir, "info --json " + Quote(Save(dir, b)));
+  const auto r = RunQgl("info --json " + Quoted(Save(dir, b)));
   ASSERT_EQ(r.status, 0) << r.err;
   const auto j = r.Json();
   EXPECT_EQ(j["chunks"].size(), 2u);
@@ -145,7 +128,7 @@ TEST(QglInfo, BadBodyFormIsNotThisFormat) {
   Bytes b = Header();
   Chunk(b, "PIAR", 1, 2, 0);
   const std::string path = Save(dir, b);
-  const auto r = RunQgl(dir, "info --json " + Quote(path));
+  const auto r = RunQgl("info --json " + Quoted(path));
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.Json()["views"][1]["result"], -2);
   EXPECT_EQ(Lines(r.err), 1);
@@ -158,7 +141,7 @@ TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
   testing::WriteAll(foreign, {'P', 'K', 3, 4, 0, 0, 0, 0});
   for (const char* cmd : {"info", "dump"}) {
     SCOPED_TRACE(cmd);
-    const auto r = RunQgl(dir, std::string(cmd) + " " + Quote(foreign));
+    const auto r = RunQgl(std::string(cmd) + " " + Quoted(foreign));
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.out, "");
     EXPECT_EQ(Lines(r.err), 1);
@@ -166,24 +149,24 @@ TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
     EXPECT_NE(r.err.find("not a scene file"), std::string::npos);
 
     const std::string missing = dir.File("missing.qgl");
-    const auto m = RunQgl(dir, std::string(cmd) + " " + Quote(missing));
+    const auto m = RunQgl(std::string(cmd) + " " + Quoted(missing));
     EXPECT_EQ(m.status, 2);
     EXPECT_EQ(Lines(m.err), 1);
     EXPECT_NE(m.err.find(missing), std::string::npos);
 
-    const auto folder = RunQgl(dir, std::string(cmd) + " " + Quote(dir.path().string()));
+    const auto folder = RunQgl(std::string(cmd) + " " + Quoted(dir.path().string()));
     EXPECT_EQ(folder.status, 2);
 
-    EXPECT_EQ(RunQgl(dir, cmd).status, 2);  // no FILE
-    EXPECT_EQ(RunQgl(dir, std::string(cmd) + " --bogus " + Quote(kExample)).status, 2);
-    const auto help = RunQgl(dir, std::string(cmd) + " --help");
+    EXPECT_EQ(RunQgl(cmd).status, 2);  // no FILE
+    EXPECT_EQ(RunQgl(std::string(cmd) + " --bogus " + Quoted(kExample)).status, 2);
+    const auto help = RunQgl(std::string(cmd) + " --help");
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("--json"), std::string::npos);
   }
-  EXPECT_EQ(RunQgl(dir, "").status, 2);
-  EXPECT_EQ(RunQgl(dir, "frobnicate x").status, 2);
-  EXPECT_EQ(RunQgl(dir, "dump --kind 4 " + Quote(kExample)).status, 2);
-  const auto help = RunQgl(dir, "--help");
+  EXPECT_EQ(RunQgl("").status, 2);
+  EXPECT_EQ(RunQgl("frobnicate x").status, 2);
+  EXPECT_EQ(RunQgl("dump --kind 4 " + Quoted(kExample)).status, 2);
+  const auto help = RunQgl("--help");
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("info"), std::string::npos);
   EXPECT_NE(help.out.find("dump"), std::string::npos);
@@ -191,7 +174,7 @@ TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
 
 TEST(QglDump, ListsEveryRecordOfEachStreamAsTheDecoderSeesIt) {
   TempDir dir;
-  const auto r = RunQgl(dir, "dump --json " + Quote(kExample));
+  const auto r = RunQgl("dump --json " + Quoted(kExample));
   ASSERT_EQ(r.status, 0) << r.err;
   const auto j = r.Json();
   ASSERT_EQ(j["streams"].size(), 3u);
@@ -224,10 +207,10 @@ TEST(QglDump, ListsEveryRecordOfEachStreamAsTheDecoderSeesIt) {
   ASSERT_NE(colour, first.end());
   EXPECT_EQ((*colour)["args"], nlohmann::json::parse("[0.6, 0.6, 0.6]"));
 
-  const auto only = RunQgl(dir, "dump --json --kind 2 " + Quote(kExample)).Json();
+  const auto only = RunQgl("dump --json --kind 2 " + Quoted(kExample)).Json();
   ASSERT_EQ(only["streams"].size(), 1u);
   EXPECT_EQ(only["streams"][0]["kind"], 2);
-  const auto text = RunQgl(dir, "dump --kind 3 " + Quote(kExample));
+  const auto text = RunQgl("dump --kind 3 " + Quoted(kExample));
   EXPECT_EQ(text.status, 0);
   EXPECT_NE(text.out.find("oglMaterialfv(1032, 5634, 0.8, 0.8, 0.8, 1)"), std::string::npos);
   EXPECT_NE(text.out.find("framed"), std::string::npos);
@@ -243,7 +226,7 @@ TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
   framed.L(4).L(12).S(1).S(2).S(3);
   framed.L(9).L(-4);  // negative length: stop
   framed.L(2).L(0);
-  auto j = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(framed)))).Json();
+  auto j = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(framed)))).Json();
   auto recs = j["streams"][0]["records"];
   ASSERT_EQ(recs.size(), 5u);
   EXPECT_EQ(recs[0]["action"], "skip");
@@ -258,7 +241,7 @@ TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
 
   Bytes unframed;
   unframed.L(1).L(1).L(15).L(4).S(5).S(6).S(7).L(2).L(0);
-  j = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(unframed, 2)))).Json();
+  j = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(unframed, 2)))).Json();
   EXPECT_EQ(j["streams"][0]["form"], "unframed");
   recs = j["streams"][0]["records"];
   ASSERT_EQ(recs.size(), 5u);
@@ -267,13 +250,13 @@ TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
   EXPECT_EQ(recs[1]["length"], -1);
   EXPECT_EQ(recs[2]["args"], nlohmann::json::parse("[5, 6, 7]"));
 
-  j = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(Bytes().L(-5).L(2).L(0), 3)))).Json();
+  j = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(Bytes().L(-5).L(2).L(0), 3)))).Json();
   EXPECT_EQ(j["streams"][0]["form"], "none");
   EXPECT_TRUE(j["streams"][0]["records"].empty());
 
   Bytes overflow;
   overflow.Raw(StreamHeadBytes()).L(99).L(std::numeric_limits<Long>::max() - 10);
-  const auto o = RunQgl(dir, "dump --json " + Quote(Save(dir, ViewFile(overflow))));
+  const auto o = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(overflow))));
   EXPECT_EQ(o.status, 0);
   j = o.Json();
   EXPECT_EQ(j["streams"][0]["records"].size(), 1u);
@@ -293,12 +276,12 @@ TEST(QglDump, TruncatedFilesNeverCrashTheTool) {
   for (std::size_t n : cuts) {
     SCOPED_TRACE(n);
     testing::WriteAll(path, std::vector<unsigned char>(full.begin(), full.begin() + n));
-    const auto d = RunQgl(dir, "dump --json " + Quote(path));
+    const auto d = RunQgl("dump --json " + Quoted(path));
     ASSERT_TRUE(d.status == 0 || (n < 5 && d.status == 1)) << d.status << d.err;
     if (d.status == 0) {
       EXPECT_NO_THROW(d.Json());
     }
-    const auto i = RunQgl(dir, "info " + Quote(path));
+    const auto i = RunQgl("info " + Quoted(path));
     ASSERT_TRUE(i.status == 0 || (n < 5 && i.status == 1)) << i.status << i.err;
   }
 }
@@ -306,7 +289,7 @@ TEST(QglDump, TruncatedFilesNeverCrashTheTool) {
 TEST(ExampleScene, CommittedFileIsWhatTheWriterMakes) {
   TempDir dir;
   const std::string out = dir.File("example.qgl");
-  ASSERT_EQ(std::system((Quote(MAKE_EXAMPLE_BINARY) + " " + Quote(out)).c_str()), 0);
+  ASSERT_EQ(testing::RunCommand(Quoted(MAKE_EXAMPLE_BINARY) + " " + Quoted(out)).status, 0);
   EXPECT_EQ(testing::ReadAll(out), testing::ReadAll(kExample))
       << "rebuild it: cmake --build build --target update_example_scene";
   // It holds what the README promises: lines, coloured triangles, polygons.
