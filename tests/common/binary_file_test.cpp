@@ -77,42 +77,6 @@ TEST(BinaryFile, OpeningForWritingKeepsAnExistingTail) {
   EXPECT_EQ(ReadAll(path), (std::vector<unsigned char>{1, 2, 9, 9, 5, 6, 7, 8}));
 }
 
-TEST(BinaryFile, WritingPastTheEndLeavesZerosInTheGap) {
-  TempDir dir;
-  const auto path = dir.File("gap.bin");
-  {
-    auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
-    f->Seek(5);
-    f->WriteLong(-1);
-    EXPECT_EQ(f->Length(), 8);
-    f->Seek(1);
-    EXPECT_EQ(f->ReadLong(), 0);
-    EXPECT_EQ(f->ReadLong(), -1);
-  }
-  EXPECT_EQ(ReadAll(path).size(), 8u);
-}
-
-TEST(BinaryFile, ReadsSeeWritesNotYetFlushedAcrossManyWindows) {
-  TempDir dir;
-  const auto path = dir.File("big.bin");
-  auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
-  constexpr Long kCount = 100000;  // several buffer windows
-  for (Long i = 0; i < kCount; ++i) f->WriteLong(i * 3);
-  // Overwrite one field in the middle, then read everything back.
-  f->Seek(1 + 4 * 5000);
-  f->WriteLong(-7);
-  f->Seek(1);
-  for (Long i = 0; i < kCount; ++i) {
-    const Long v = f->ReadLong();
-    ASSERT_EQ(v, i == 5000 ? -7 : i * 3) << i;
-  }
-  EXPECT_FALSE(f->Eof());
-  f->ReadLong();
-  EXPECT_TRUE(f->Eof());
-  f->Flush();
-  EXPECT_EQ(ReadAll(path).size(), static_cast<std::size_t>(kCount) * 4);
-}
-
 TEST(BinaryFile, OpenErrorsAreNumbered) {
   TempDir dir;
   EXPECT_EQ(ErrorOf([&] { BinaryFile::Open(dir.File("missing"), BinaryFile::Access::kRead); }),

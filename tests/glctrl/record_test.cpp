@@ -13,23 +13,20 @@
 #include "scenefile/record_reader.h"
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
+#include "support/bytes.h"
 #include "support/error_of.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
 namespace {
 
-using Bytes = std::vector<unsigned char>;
+using ByteVector = std::vector<unsigned char>;
 using Lines = std::vector<std::string>;
 using testing::ReadAll;
 using testing::TempDir;
 using testing::WriteAll;
 
-// Little-endian bytes of Longs and Singles, typed by hand.
-void PutLong(Bytes& b, Long v) {
-  auto u = static_cast<std::uint32_t>(v);
-  for (int i = 0; i < 4; ++i) b.push_back(static_cast<unsigned char>(u >> (8 * i)));
-}
+using testing::Bytes;
 
 using quelo::testing::ErrorOf;
 
@@ -62,20 +59,12 @@ TEST_F(Recording, TriangleWithBothSwitchesWritesRecordsAndDrawsNothing) {
   EXPECT_TRUE(trace.Lines().empty());
 
   Bytes want;
-  for (Long v : {1, 4, 4}) PutLong(want, v);  // op 1, length 4, GL_TRIANGLES
-  const float corners[3][3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-  for (const auto& c : corners) {
-    PutLong(want, 4);
-    PutLong(want, 12);
-    for (float v : c) {
-      std::uint32_t u;
-      std::memcpy(&u, &v, 4);
-      PutLong(want, static_cast<Long>(u));
-    }
-  }
-  PutLong(want, 2);
-  PutLong(want, 0);
-  EXPECT_EQ(ReadAll(path), want);
+  want.L(1).L(4).L(4);  // op 1, length 4, GL_TRIANGLES
+  want.L(4).L(12).S(0).S(0).S(0);
+  want.L(4).L(12).S(1).S(0).S(0);
+  want.L(4).L(12).S(0).S(1).S(0);
+  want.L(2).L(0);
+  EXPECT_EQ(ReadAll(path), want.data());
 }
 
 // Every recording method once, read back byte for byte against the record
@@ -131,21 +120,22 @@ TEST_F(Recording, ProducerStreamMatchesTheWritersAndDecodes) {
     WriteTessEndPolyRecord(*f);
     WriteEndOfSeqRecord(*f);
   }
-  Bytes got = ReadAll(path);
+  ByteVector got = ReadAll(path);
   EXPECT_EQ(got, ReadAll(expected_path));
   EXPECT_EQ(static_cast<Long>(got.size()) + 1, end);
 
   // The irregular payloads, by hand: the edge flag as a Long -1, the packed
   // colour, the 16-bit count widened to a Long.
   auto bytes_at = [&](std::size_t pos, std::size_t n) {
-    return Bytes(got.begin() + static_cast<long>(pos), got.begin() + static_cast<long>(pos + n));
+    return ByteVector(got.begin() + static_cast<long>(pos),
+                      got.begin() + static_cast<long>(pos + n));
   };
   // Head, block begin, begin, colour, normal, vertex, end, block end,
   // material, polygon mode, front face: then the two edge flags.
   std::size_t pos = kStreamHeadSize + 12 + 12 + 20 + 20 + 20 + 8 + 12 + 32 + 16 + 12;
   Bytes want;
-  for (Long x : {9, 4, -1, 9, 4, 0, 10, 4, 0x00FF8000, 11, 4, -2}) PutLong(want, x);
-  EXPECT_EQ(bytes_at(pos, want.size()), want);
+  for (Long x : {9, 4, -1, 9, 4, 0, 10, 4, 0x00FF8000, 11, 4, -2}) want.L(x);
+  EXPECT_EQ(bytes_at(pos, want.size()), want.data());
 
   auto file = BinaryFile::Open(path, BinaryFile::Access::kRead);
   RecordReader reader(*file);
@@ -221,7 +211,7 @@ TEST_F(Recording, GlCallsCarryTheMethodsArguments) {
 }
 
 TEST_F(Recording, WithoutSendToFileTheFileMembersWriteNothing) {
-  WriteAll(path, Bytes(10, 0xAB));
+  WriteAll(path, ByteVector(10, 0xAB));
   Open();
   ScopedTracingGL trace;
   ctrl.FilePutBeginOfSeq();
@@ -234,13 +224,13 @@ TEST_F(Recording, WithoutSendToFileTheFileMembersWriteNothing) {
   ctrl.oglTranslatef(1, 0, 0);
   EXPECT_EQ(ctrl.FileAddr(), 1);
   ctrl.FileClose();
-  EXPECT_EQ(ReadAll(path), Bytes(10, 0xAB));
+  EXPECT_EQ(ReadAll(path), ByteVector(10, 0xAB));
   EXPECT_EQ(trace.Lines(),
             (Lines{"glEnable(GL_LIGHTING)", "glDisable(GL_LIGHTING)", "glTranslatef(1, 0, 0)"}));
 }
 
 TEST_F(Recording, FileOpenKeepsTheTailOfALongerFile) {
-  WriteAll(path, Bytes(100, 0xAB));
+  WriteAll(path, ByteVector(100, 0xAB));
   ctrl.FileOpen(path);
   EXPECT_EQ(ctrl.FileAddr(), 1);  // positioned at the start
   EXPECT_EQ(ctrl.FileGoto(9), 0);
@@ -248,12 +238,9 @@ TEST_F(Recording, FileOpenKeepsTheTailOfALongerFile) {
   ctrl.DontSendToGL = true;
   ctrl.oglEnd();
   ctrl.FileClose();
-  Bytes want(100, 0xAB);
-  Bytes end_record;
-  PutLong(end_record, 2);
-  PutLong(end_record, 0);
-  std::copy(end_record.begin(), end_record.end(), want.begin() + 8);
-  EXPECT_EQ(ReadAll(path), want);
+  Bytes want;
+  want.Raw(ByteVector(8, 0xAB)).L(2).L(0).Raw(ByteVector(84, 0xAB));  // op 2, length 0
+  EXPECT_EQ(ReadAll(path), want.data());
 }
 
 TEST_F(Recording, FileOpenEmptiesTheDisabledBlocks) {
