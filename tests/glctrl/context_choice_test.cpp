@@ -9,6 +9,7 @@
 #include "common/runtime_error.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/pixel_format.h"
+#include "support/bytes.h"
 #include "support/fake_surface.h"
 #include "support/recorded_messages.h"
 #include "support/temp_dir.h"
@@ -25,15 +26,6 @@ constexpr std::uint32_t kAccel = PFD_GENERIC_FORMAT | PFD_GENERIC_ACCELERATED;
 
 PIXELFORMATDESCRIPTOR F(std::uint32_t flags, int colour = 24, int depth = 24) {
   return FakeSurface::Format(flags, colour, depth);
-}
-
-std::vector<unsigned char> Longs(std::initializer_list<Long> values) {
-  std::vector<unsigned char> bytes;
-  for (Long v : values) {
-    const auto u = static_cast<std::uint32_t>(v);
-    for (int k = 0; k < 4; ++k) bytes.push_back(static_cast<unsigned char>(u >> (8 * k)));
-  }
-  return bytes;
 }
 
 bool SameDescriptor(const PIXELFORMATDESCRIPTOR& a, const PIXELFORMATDESCRIPTOR& b) {
@@ -65,80 +57,66 @@ class ChoiceTest : public ::testing::Test {
                                               F(kWin | kGeneric)};
 };
 
-TEST_F(ChoiceTest, WithoutSettingsFileTakesFirstPlainGenericEvenWhenHardwareExists) {
-  EXPECT_EQ(Choose(mixed), 3);
-}
-
-TEST_F(ChoiceTest, PreferAcceleratedTakesFirstAcceleratedOfEitherKind) {
-  Settings(Longs({-1, 0}));
-  EXPECT_EQ(Choose(mixed), 2);  // an installable client driver
-  EXPECT_EQ(Choose({F(kWin | kGeneric), F(kWin | kAccel), F(kWin)}), 2);  // generic accelerated
-}
-
-TEST_F(ChoiceTest, PreferAcceleratedFallsBackToFirstPlainGenericThenToOne) {
-  Settings(Longs({-1, 0}));
-  EXPECT_EQ(Choose({F(kWin & ~PFD_DOUBLEBUFFER), F(kWin | kGeneric), F(kWin | kGeneric),
-                    F(kWin | kGeneric)}),
-            2);
-  // No window format at all.
-  EXPECT_EQ(Choose({F(PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER), F(PFD_DRAW_TO_BITMAP | kGeneric)}),
-            1);
-  // The only plain generic one is the last: a fallback must be below the count.
-  EXPECT_EQ(Choose({F(kGeneric), F(PFD_DRAW_TO_BITMAP), F(kWin | kGeneric)}), 1);
-}
-
-TEST_F(ChoiceTest, OnlyMinusOneMeansPreferAccelerated) {
-  for (Long value : {1, -2, 0xFFFF, 0}) {
-    Settings(Longs({value, 0}));
-    EXPECT_EQ(Choose(mixed), 3) << value;
-  }
-}
-
-TEST_F(ChoiceTest, IndexBelowCountIsUsedAsItStandsEvenWithoutWindowSupport) {
-  Settings(Longs({0, 6}));
-  EXPECT_EQ(Choose(mixed), 6);
-  Settings(Longs({-1, 1}));
-  EXPECT_EQ(Choose(mixed), 1);  // single-buffered, and the preference is not asked
-}
-
-TEST_F(ChoiceTest, IndexEqualToCountOrBeyondIsIgnored) {
-  Settings(Longs({0, 7}));
-  EXPECT_EQ(Choose(mixed), 3);
-  Settings(Longs({0, 70}));
-  EXPECT_EQ(Choose(mixed), 3);
-  // With the preference and nothing accelerated, the ignored index still
-  // counts as the remembered fallback, and it is not below the count.
-  Settings(Longs({-1, 3}));
-  EXPECT_EQ(Choose({F(kWin | kGeneric), F(kWin | kGeneric), F(kWin | kGeneric)}), 1);
-}
-
-TEST_F(ChoiceTest, NegativeIndexIsAFallbackBelowTheCount) {
-  Settings(Longs({0, -3}));
-  EXPECT_EQ(Choose(mixed), 3);                // the walk finds a plain generic format first
-  EXPECT_EQ(Choose({F(kWin), F(kWin)}), -3);  // nothing plain: the fallback as it stands
-}
-
-TEST_F(ChoiceTest, ShortFilesCountMissingFieldsAsZero) {
-  for (std::size_t size = 0; size <= 3; ++size) {
-    Settings(std::vector<unsigned char>(size, 0xFF));
-    EXPECT_EQ(Choose(mixed), 3) << size << " bytes";
-  }
-  for (std::size_t size = 4; size <= 7; ++size) {
-    // -1 and the start of index 6: the index is not read from partial bytes.
-    std::vector<unsigned char> bytes = Longs({-1, 6});
+// The choice rules, each a row: the settings file (none when empty), the
+// formats, and the index chosen.
+TEST_F(ChoiceTest, ChoiceRules) {
+  using Table = std::vector<PIXELFORMATDESCRIPTOR>;
+  const Table all_plain = {F(kWin | kGeneric), F(kWin | kGeneric), F(kWin | kGeneric)};
+  auto file = [](Long prefer, Long index) { return testing::Bytes().L(prefer).L(index).data(); };
+  auto cut = [](std::vector<unsigned char> bytes, std::size_t size) {
     bytes.resize(size);
-    Settings(bytes);
-    EXPECT_EQ(Choose(mixed), 2) << size << " bytes";
+    return bytes;
+  };
+  struct Row {
+    const char* rule;
+    std::vector<unsigned char> settings;
+    Table formats;
+    Long chosen;
+  };
+  const Row rows[] = {
+      {"no file: first plain generic, even when hardware exists", {}, mixed, 3},
+      {"prefer: an installable client driver", file(-1, 0), mixed, 2},
+      {"prefer: generic accelerated",
+       file(-1, 0),
+       {F(kWin | kGeneric), F(kWin | kAccel), F(kWin)},
+       2},
+      {"prefer, nothing accelerated: first plain generic",
+       file(-1, 0),
+       {F(kWin & ~PFD_DOUBLEBUFFER), F(kWin | kGeneric), F(kWin | kGeneric)},
+       2},
+      {"prefer, no window format: one",
+       file(-1, 0),
+       {F(PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER), F(PFD_DRAW_TO_BITMAP | kGeneric)},
+       1},
+      {"a fallback must lie below the count",
+       file(-1, 0),
+       {F(kGeneric), F(PFD_DRAW_TO_BITMAP), F(kWin | kGeneric)},
+       1},
+      {"only -1 means prefer: 1", file(1, 0), mixed, 3},
+      {"only -1 means prefer: -2", file(-2, 0), mixed, 3},
+      {"index below the count, even without window support", file(0, 6), mixed, 6},
+      {"index below the count, preference not asked", file(-1, 1), mixed, 1},
+      {"index equal to the count is ignored", file(0, 7), mixed, 3},
+      {"index beyond the count is ignored", file(0, 70), mixed, 3},
+      {"an ignored index is still the fallback, and not below the count", file(-1, 3), all_plain,
+       1},
+      {"negative index: the walk finds a plain generic first", file(0, -3), mixed, 3},
+      {"negative index: nothing plain, the fallback as it stands",
+       file(0, -3),
+       {F(kWin), F(kWin)},
+       -3},
+      {"three bytes count as none", cut(file(-1, 6), 3), mixed, 3},
+      {"seven bytes: the index is not read from part of it", cut(file(-1, 6), 7), mixed, 2},
+      {"longer files: the first two Longs", testing::Bytes().L(0).L(6).L(5).L(-1).data(), mixed, 6},
+      {"no formats give one", {}, {}, 1},
+      {"no formats give one, also with an index", file(-1, 1), {}, 1},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.rule);
+    std::filesystem::remove(dir.File("KIVOhogl.ini"));
+    if (!row.settings.empty()) Settings(row.settings);
+    EXPECT_EQ(Choose(row.formats), row.chosen);
   }
-  std::vector<unsigned char> longer = Longs({0, 6, 5, -1});
-  Settings(longer);
-  EXPECT_EQ(Choose(mixed), 6);
-}
-
-TEST_F(ChoiceTest, NoFormatsGiveOne) {
-  EXPECT_EQ(Choose({}), 1);
-  Settings(Longs({-1, 1}));
-  EXPECT_EQ(Choose({}), 1);
 }
 
 TEST(SettingsFile, PathAndFields) {
@@ -147,7 +125,7 @@ TEST(SettingsFile, PathAndFields) {
   EXPECT_EQ(SettingsFilePath(std::string("/etc\0junk", 9)), "/etc/KIVOhogl.ini");
   TempDir dir;
   EXPECT_FALSE(ReadPixelFormatSettings(dir.path().string()).file_found);
-  WriteAll(dir.File("KIVOhogl.ini"), Longs({-1, 0x01020304}));
+  WriteAll(dir.File("KIVOhogl.ini"), testing::Bytes().L(-1).L(0x01020304).data());
   const PixelFormatSettings s = ReadPixelFormatSettings(dir.path().string());
   EXPECT_TRUE(s.file_found);
   EXPECT_EQ(s.PreferAccelerated, -1);
@@ -177,7 +155,7 @@ TEST_F(ChoiceTest, TheChosenDescriptorReplacesTheOneBuiltFromProperties) {
 
 TEST_F(ChoiceTest, PinnedIndexIsSetWithTheDescriptorOfFormatOne) {
   // The buffer holds what the choice read last: format 1 when it stops early.
-  Settings(Longs({0, 5}));
+  Settings(testing::Bytes().L(0).L(5).data());
   FakeSurface surface(mixed);
   ctrl.ExtHDC(&surface);
   ctrl.SetDCPixelFormat();
@@ -261,7 +239,7 @@ TEST_F(ChoiceTest, NoSurfaceGivesBothMessagesAndNoCrash) {
 }
 
 TEST_F(ChoiceTest, UnusableFallbackIndexFailsThePixelFormatOnly) {
-  Settings(Longs({0, -3}));
+  Settings(testing::Bytes().L(0).L(-3).data());
   FakeSurface surface({F(kWin), F(kWin)});
   ctrl.ExtHDC(&surface);
   ScopedRecordedMessages messages;

@@ -140,25 +140,6 @@ TEST_F(EglTest, ContextDrawsDisplayListAndTextThatReadBack) {
   EXPECT_EQ(ctrl.ExtHDC(), nullptr);
 }
 
-TEST_F(EglTest, TextOutDrawsTheSameGlyphsAsFntPrintAt) {
-  ctrl.ExtHDC(&surface);
-  ASSERT_TRUE(ctrl.InitRC());
-  const GLDispatch& gl = GL();
-  std::vector<std::vector<unsigned char>> pictures;
-  for (int way = 0; way < 3; ++way) {
-    StartFrame();
-    gl.glColor3f(1, 1, 1);
-    if (way == 0) ctrl.fntPrintAt("Quelo 4", -0.8, -0.2, 0);
-    if (way == 1) ctrl.auxTextOutA("Quelo 4", -0.8, -0.2);
-    if (way == 2) ctrl.auxTextOutW("Quelo 4", -0.8, -0.2);
-    ctrl.oglSwapBuffers();
-    pictures.push_back(surface.KeptImage().rgba);
-  }
-  EXPECT_GT(Count(surface.KeptImage(), {255, 255, 255, 255}, 0, 0, 64, 48), 40);
-  EXPECT_EQ(pictures[0], pictures[1]);
-  EXPECT_EQ(pictures[0], pictures[2]);
-}
-
 TEST_F(EglTest, SettingsFilePinsAFormat) {
   // Pin the first format with a 16-bit depth buffer.
   PIXELFORMATDESCRIPTOR pfd;

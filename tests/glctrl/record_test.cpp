@@ -210,25 +210,6 @@ TEST_F(Recording, GlCallsCarryTheMethodsArguments) {
           "glFrontFace(GL_CCW)", "glColor3f(0.5019608, 0, 1)"}));
 }
 
-TEST_F(Recording, WithoutSendToFileTheFileMembersWriteNothing) {
-  WriteAll(path, ByteVector(10, 0xAB));
-  Open();
-  ScopedTracingGL trace;
-  ctrl.FilePutBeginOfSeq();
-  ctrl.FilePutEndOfSeq();
-  ctrl.auxPutBlockBegin(1);
-  ctrl.auxPutBlockEnd(1);
-  ctrl.oglEnable(GL_LIGHTING);  // pass-through: GL only, never recorded
-  ctrl.SendToFile = true;
-  ctrl.oglDisable(GL_LIGHTING);
-  ctrl.oglTranslatef(1, 0, 0);
-  EXPECT_EQ(ctrl.FileAddr(), 1);
-  ctrl.FileClose();
-  EXPECT_EQ(ReadAll(path), ByteVector(10, 0xAB));
-  EXPECT_EQ(trace.Lines(),
-            (Lines{"glEnable(GL_LIGHTING)", "glDisable(GL_LIGHTING)", "glTranslatef(1, 0, 0)"}));
-}
-
 TEST_F(Recording, FileOpenKeepsTheTailOfALongerFile) {
   WriteAll(path, ByteVector(100, 0xAB));
   ctrl.FileOpen(path);

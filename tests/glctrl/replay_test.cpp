@@ -129,33 +129,6 @@ TEST(BlockSwitches, EnablingKeepsTheLopsidedRemoval) {
   EXPECT_EQ(c.DisabledBlocks().size(), 2u);
 }
 
-TEST_F(Replay, WrongLengthIsSkippedWholeAndReadingGoesOnAfterIt) {
-  {
-    StreamBuilder s(path);
-    s.Head();
-    // Op 1 with length 8: its payload holds what would read as an end record
-    // if the reader trusted the table's length instead of the field.
-    s.Longs({1, 8, 2, 0});
-    s.Longs({99, 0});      // unknown op: skipped
-    s.Longs({0, 4, 123});  // op 0 with a length: an unknown record, not the end
-    WriteVertex3fRecord(s.f(), 1, 1, 1);
-    WriteEndOfSeqRecord(s.f());
-    WriteVertex3fRecord(s.f(), 2, 2, 2);  // after the end: never read
-  }
-  EXPECT_EQ(Play(path, ctrl), Lines{"glVertex3f(1, 1, 1)"});
-}
-
-TEST_F(Replay, UnframedStreamPassesOverBlockCodes) {
-  {
-    StreamBuilder s(path);
-    s.Longs({1, 1, 15, 4}).Singles({1, 2, 3}).Longs({16, 8}).Singles({0, 0, 1});
-    s.Longs({3}).Singles({0, 1, 0}).Longs({2, 0, 4}).Singles({9, 9, 9});
-  }
-  EXPECT_EQ(Play(path, ctrl), (Lines{"glBegin(GL_LINES)", "glVertex3f(1, 2, 3)",
-                                     "glNormal3f(0, 0, 1)", "glColor3f(0, 1, 0)", "glEnd()"}));
-  EXPECT_EQ(ctrl.FileCoord_xMax, 1.0f);
-}
-
 TEST_F(Replay, StreamHeadAloneDrawsTheUnknownPictureOnlyForOldReaders) {
   {
     StreamBuilder s(path);
@@ -164,36 +137,6 @@ TEST_F(Replay, StreamHeadAloneDrawsTheUnknownPictureOnlyForOldReaders) {
   }
   EXPECT_EQ(Play(path, ctrl), Lines{});
   EXPECT_TRUE(BoxUntouched(ctrl));
-}
-
-TEST_F(Replay, OtherNegativeFirstLongPlaysNothing) {
-  {
-    StreamBuilder s(path);
-    s.Longs({-5, 4}).Singles({1, 2, 3});
-  }
-  EXPECT_EQ(Play(path, ctrl), Lines{});
-}
-
-TEST_F(Replay, EndOfFileInsideARecordEndsQuietly) {
-  {
-    StreamBuilder s(path);
-    s.Head();
-    WriteVertex3fRecord(s.f(), 1, 1, 1);
-    s.Longs({4, 12}).Singles({7});  // cut short
-  }
-  EXPECT_EQ(Play(path, ctrl), Lines{"glVertex3f(1, 1, 1)"});
-  EXPECT_EQ(ctrl.FileCoord_xMax, 1.0f);
-}
-
-TEST_F(Replay, NegativeLengthEndsTheReplayInsteadOfLooping) {
-  {
-    StreamBuilder s(path);
-    s.Head();
-    WriteVertex3fRecord(s.f(), 1, 1, 1);
-    s.Longs({4, -20});  // would point back at the vertex record
-    WriteVertex3fRecord(s.f(), 2, 2, 2);
-  }
-  EXPECT_EQ(Play(path, ctrl), Lines{"glVertex3f(1, 1, 1)"});
 }
 
 TEST_F(Replay, PolygonCountBeyondSixteenBitsIsAnOverflow) {

@@ -114,14 +114,6 @@ TEST_F(TextTest, EveryTextOutCallMakes96NewListsAndDrawsAtZ0) {
   EXPECT_EQ(ctrl.FontListBase, 0);  // the text-out calls leave fntPrintAt's lists alone
 }
 
-TEST_F(TextTest, EmptyTextIsASubscriptErrorAfterTheLists) {
-  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.fntPrintAt("", 0, 0, 0); }), kErrSubscript);
-  EXPECT_EQ(ctrl.FontListBase, 101);
-  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.auxTextOutA("", 0, 0); }), kErrSubscript);
-  EXPECT_EQ(quelo::testing::ErrorOf([&] { ctrl.auxTextOutW("", 0, 0); }), kErrSubscript);
-  EXPECT_EQ(CountPrefix(trace.Lines(), "glCallLists("), 0);
-}
-
 TEST_F(TextTest, CharactersAreSentAsSingleByteCodes) {
   ctrl.fntPrintAt("\xC3\xA9\x01 ~", 0, 0, 0);  // e-acute (UTF-8), a control code, " ~"
   EXPECT_EQ(trace.Lines().back(), "glCallLists(4, GL_UNSIGNED_BYTE, [233, 1, 32, 126])");

@@ -36,7 +36,6 @@ TEST(TraceFormat, ScalarsByKind) {
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glEnd(); }), "glEnd()");
   // Integers of every width in decimal, unsigned bytes not as characters.
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glColor4ub(255, 0, 72, 1); }), "glColor4ub(255, 0, 72, 1)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glNormal3b(-128, 0, 127); }), "glNormal3b(-128, 0, 127)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glRecti(-7, 0, 2147483647, -2147483647 - 1); }),
             "glRecti(-7, 0, 2147483647, -2147483648)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glCallList(4000000000u); }), "glCallList(4000000000)");
@@ -74,7 +73,6 @@ TEST(TraceFormat, RealsReadBackToTheSameValue) {
 TEST(TraceFormat, BitfieldsAsNames) {
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT); }),
             "glClear(GL_DEPTH_BUFFER_BIT|GL_COLOR_BUFFER_BIT)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glClear(0); }), "glClear(0)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glPushAttrib(GL_ALL_ATTRIB_BITS); }),
             "glPushAttrib(GL_ALL_ATTRIB_BITS)");
   // Bit 1 is GL_CURRENT_BIT for server attributes, a client bit here.
@@ -89,20 +87,14 @@ TEST(TraceFormat, BitfieldsAsNames) {
 
 TEST(TraceFormat, EnumsByNameInContext) {
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glBegin(GL_TRIANGLES); }), "glBegin(GL_TRIANGLES)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glEnable(GL_CULL_FACE); }), "glEnable(GL_CULL_FACE)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glPolygonMode(GL_FRONT_AND_BACK, GL_LINE); }),
             "glPolygonMode(GL_FRONT_AND_BACK, GL_LINE)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glNewList(1, GL_COMPILE); }), "glNewList(1, GL_COMPILE)");
   // 0 and 1 are several names: the parameter decides.
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glBegin(GL_POINTS); }), "glBegin(GL_POINTS)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glDrawArrays(GL_LINES, 0, 2); }),
             "glDrawArrays(GL_LINES, 0, 2)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glBlendFunc(GL_ZERO, GL_ONE); }),
             "glBlendFunc(GL_ZERO, GL_ONE)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA); }),
-            "glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glStencilOp(GL_ZERO, GL_KEEP, GL_INCR); }),
-            "glStencilOp(GL_ZERO, GL_KEEP, GL_INCR)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glDrawBuffer(GL_NONE); }), "glDrawBuffer(GL_NONE)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glHint(0, 1); }), "glHint(0, 1)");
   // Unknown values in decimal.
@@ -112,18 +104,12 @@ TEST(TraceFormat, EnumsByNameInContext) {
               gl.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
             }),
             "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glTexEnvf(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL); }),
-            "glTexEnvf(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL)");
   EXPECT_EQ(TraceOne([](auto& gl) { gl.glPixelStorei(GL_UNPACK_ALIGNMENT, 1); }),
             "glPixelStorei(GL_UNPACK_ALIGNMENT, 1)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glFogf(GL_FOG_DENSITY, 0.5f); }),
-            "glFogf(GL_FOG_DENSITY, 0.5)");
   EXPECT_EQ(TraceOne([](auto& gl) {
               gl.glTexImage2D(GL_TEXTURE_2D, 0, 3, 2, 2, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
             }),
             "glTexImage2D(GL_TEXTURE_2D, 0, 3, 2, 2, 0, GL_RGB, GL_UNSIGNED_BYTE, NULL)");
-  EXPECT_EQ(TraceOne([](auto& gl) { gl.glCopyTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, 0, 0, 4, 0); }),
-            "glCopyTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, 0, 0, 4, 0)");
 }
 
 // ---- Pointer arguments -----------------------------------------------------------------
@@ -138,13 +124,8 @@ TEST(TraceFormat, ArraysSizedByFunctionAndPname) {
   const GLint indexes[3] = {1, 2, 3};
   EXPECT_EQ(TraceOne([&](auto& gl) { gl.glMaterialiv(GL_FRONT, GL_COLOR_INDEXES, indexes); }),
             "glMaterialiv(GL_FRONT, GL_COLOR_INDEXES, [1, 2, 3])");
-  const GLfloat direction[3] = {0, 0, -1};
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glLightfv(GL_LIGHT0, GL_SPOT_DIRECTION, direction); }),
-            "glLightfv(GL_LIGHT0, GL_SPOT_DIRECTION, [0, 0, -1])");
   const GLdouble v[3] = {1.5, -2, 1e-9};
   EXPECT_EQ(TraceOne([&](auto& gl) { gl.glVertex3dv(v); }), "glVertex3dv([1.5, -2, 1e-09])");
-  const GLshort s2[2] = {-1, 300};
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glTexCoord2sv(s2); }), "glTexCoord2sv([-1, 300])");
   const GLboolean flag = GL_FALSE;
   EXPECT_EQ(TraceOne([&](auto& gl) { gl.glEdgeFlagv(&flag); }), "glEdgeFlagv([GL_FALSE])");
   const GLdouble plane[4] = {1, 0, 0, -2};
@@ -161,9 +142,6 @@ TEST(TraceFormat, ArraysSizedByCountAndType) {
   const GLubyte hello[5] = {72, 65, 76, 76, 79};
   EXPECT_EQ(TraceOne([&](auto& gl) { gl.glCallLists(5, GL_UNSIGNED_BYTE, hello); }),
             "glCallLists(5, GL_UNSIGNED_BYTE, [72, 65, 76, 76, 79])");
-  const GLshort shorts[2] = {-3, 1000};
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glCallLists(2, GL_SHORT, shorts); }),
-            "glCallLists(2, GL_SHORT, [-3, 1000])");
   // Pairs of bytes are one name each, high byte first.
   const GLubyte pairs[4] = {1, 2, 0, 255};
   EXPECT_EQ(TraceOne([&](auto& gl) { gl.glCallLists(2, GL_2_BYTES, pairs); }),
@@ -171,9 +149,6 @@ TEST(TraceFormat, ArraysSizedByCountAndType) {
   const GLuint indices[3] = {0, 2, 1};
   EXPECT_EQ(TraceOne([&](auto& gl) { gl.glDrawElements(GL_POINTS, 3, GL_UNSIGNED_INT, indices); }),
             "glDrawElements(GL_POINTS, 3, GL_UNSIGNED_INT, [0, 2, 1])");
-  const GLuint textures[2] = {5, 6};
-  EXPECT_EQ(TraceOne([&](auto& gl) { gl.glDeleteTextures(2, textures); }),
-            "glDeleteTextures(2, [5, 6])");
 }
 
 // ---- Results ------------------------------------------------------------------------------

@@ -109,32 +109,6 @@ TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
   EXPECT_NE(text.out.find("stream at"), std::string::npos);
 }
 
-TEST(QglInfo, CyclicChainIsListedOnceAndEnds) {
-  TempDir dir;
-  Bytes b = Header();
-  Chunk(b, "PIFC", 1, 1, 73);
-  Chunk(b, "XXXX", 0, 0, 37);
-  const auto r = RunQgl("info --json " + Quoted(Save(dir, b)));
-  ASSERT_EQ(r.status, 0) << r.err;
-  const auto j = r.Json();
-  EXPECT_EQ(j["chunks"].size(), 2u);
-  EXPECT_EQ(j["chain_end"], "revisit");
-  EXPECT_EQ(j["views"][0]["result"], 0);
-  EXPECT_EQ(j["views"][1]["result"], -1);
-}
-
-TEST(QglInfo, BadBodyFormIsNotThisFormat) {
-  TempDir dir;
-  Bytes b = Header();
-  Chunk(b, "PIAR", 1, 2, 0);
-  const std::string path = Save(dir, b);
-  const auto r = RunQgl("info --json " + Quoted(path));
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.Json()["views"][1]["result"], -2);
-  EXPECT_EQ(Lines(r.err), 1);
-  EXPECT_NE(r.err.find(path), std::string::npos);
-}
-
 TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
   TempDir dir;
   const std::string foreign = dir.File("foreign.qgl");
