@@ -62,6 +62,19 @@ class ViewTest : public ::testing::Test {
   void SetRoom(Single x0, Single x1, Single y0, Single y1, Single z0, Single z1) {
     view.RoomBox = {x0, x1, y0, y1, z0, z1};
   }
+  void SetWindow(Single x0, Single x1, Single y0, Single y1) {
+    view.WinXMin = x0;
+    view.WinXMax = x1;
+    view.WinYMin = y0;
+    view.WinYMax = y1;
+  }
+  // The visible rectangle, to within float rounding of the rotations.
+  void ExpectWindow(double x0, double x1, double y0, double y1) {
+    EXPECT_NEAR(view.WinXMin, x0, 1e-5);
+    EXPECT_NEAR(view.WinXMax, x1, 1e-5);
+    EXPECT_NEAR(view.WinYMin, y0, 1e-5);
+    EXPECT_NEAR(view.WinYMax, y1, 1e-5);
+  }
 
   QueloView view;
 };
@@ -166,10 +179,7 @@ TEST_F(ViewTest, FullBoxIsTheRotatedRoomBoxInTheViewPlane) {
   view.HorAng(0);
   view.VerAng(90);
   view.prv_CompViewBox();
-  EXPECT_NEAR(view.WinXMin, -2, 1e-5);
-  EXPECT_NEAR(view.WinXMax, 5, 1e-5);
-  EXPECT_NEAR(view.WinYMin, -1, 1e-5);
-  EXPECT_NEAR(view.WinYMax, 1, 1e-5);
+  ExpectWindow(-2, 5, -1, 1);
 }
 
 // ---- Fitting -------------------------------------------------------------------
@@ -179,10 +189,7 @@ TEST_F(ViewTest, EmptyRoomBoxIsWidenedToOneUnitAboutTheCentre) {
   view.prv_CompViewBox();
   EXPECT_EQ(view.WinXMax - view.WinXMin, 0);
   view.ScaleRoom32();
-  EXPECT_FLOAT_EQ(view.WinXMin, -1);
-  EXPECT_FLOAT_EQ(view.WinXMax, 1);
-  EXPECT_FLOAT_EQ(view.WinYMin, -1);
-  EXPECT_FLOAT_EQ(view.WinYMax, 1);
+  ExpectWindow(-1, 1, -1, 1);
   // 800 x 600 widens x to 4/3, then the 20 % margin; y grows upwards.
   EXPECT_EQ(view.FacePbx.ScaleMode(), kScaleUser);
   EXPECT_NEAR(view.FacePbx.ScaleLeft(), -1.6, 1e-6);
@@ -192,17 +199,11 @@ TEST_F(ViewTest, EmptyRoomBoxIsWidenedToOneUnitAboutTheCentre) {
 }
 
 TEST_F(ViewTest, FittingKeepsTheLongerSideAndWidensTheOther) {
-  view.WinXMin = -1;
-  view.WinXMax = 1;
-  view.WinYMin = -10;
-  view.WinYMax = 10;
+  SetWindow(-1, 1, -10, 10);
   view.ScaleRoom32();  // too tall: x widened to 4/3 x 10
   EXPECT_NEAR(view.FacePbx.ScaleWidth(), 2.4 * 10 * 4 / 3, 1e-4);
   EXPECT_NEAR(view.FacePbx.ScaleHeight(), -24, 1e-5);
-  view.WinXMin = -10;
-  view.WinXMax = 10;
-  view.WinYMin = -1;
-  view.WinYMax = 1;
+  SetWindow(-10, 10, -1, 1);
   view.ScaleRoom32();  // too wide: y widened to 10 / (4/3)
   EXPECT_NEAR(view.FacePbx.ScaleWidth(), 24, 1e-5);
   EXPECT_NEAR(view.FacePbx.ScaleHeight(), -2.4 * 7.5, 1e-5);
@@ -214,31 +215,19 @@ TEST_F(ViewTest, FittingKeepsTheLongerSideAndWidensTheOther) {
 // ---- Centring and shifting -------------------------------------------------------
 
 TEST_F(ViewTest, CentringKeepsTheSizeAndShiftingMovesAgainstTheOffset) {
-  view.WinXMin = -1;
-  view.WinXMax = 1;
-  view.WinYMin = -2;
-  view.WinYMax = 2;
+  SetWindow(-1, 1, -2, 2);
   view.ScaleSetCenter32(10, 20);
-  EXPECT_FLOAT_EQ(view.WinXMin, 9);
-  EXPECT_FLOAT_EQ(view.WinXMax, 11);
-  EXPECT_FLOAT_EQ(view.WinYMin, 18);
-  EXPECT_FLOAT_EQ(view.WinYMax, 22);
+  ExpectWindow(9, 11, 18, 22);
   EXPECT_NEAR(view.FacePbx.ToScaleX(400), 10, 1e-4);  // the scale followed
   view.ScaleShiftCenter32(1, -2);
-  EXPECT_FLOAT_EQ(view.WinXMin, 8);
-  EXPECT_FLOAT_EQ(view.WinXMax, 10);
-  EXPECT_FLOAT_EQ(view.WinYMin, 20);
-  EXPECT_FLOAT_EQ(view.WinYMax, 24);
+  ExpectWindow(8, 10, 20, 24);
   EXPECT_NEAR(view.FacePbx.ToScaleY(300), 22, 1e-4);
 }
 
 // ---- Projection and redraw ------------------------------------------------------
 
 TEST_F(ViewTest, InitViewSetsViewportProjectionAndRotationInOrder) {
-  view.WinXMin = -10;
-  view.WinXMax = 10;
-  view.WinYMin = -1;
-  view.WinYMax = 1;
+  SetWindow(-10, 10, -1, 1);
   ScopedTracingGL trace;
   view.InitView();
   EXPECT_EQ(trace.Lines(), (std::vector<std::string>{
@@ -258,10 +247,7 @@ TEST_F(ViewTest, ResetAfterARotationShowsTheWholeSceneAtZoomOne) {
   SetRoom(-3, 40, -5, 2, 0, 9);
   view.HorAng(150);
   view.VerAng(10);
-  view.WinXMin = 1;
-  view.WinXMax = 2;
-  view.WinYMin = 1;
-  view.WinYMax = 2;
+  SetWindow(1, 2, 1, 2);
   view.Zoom_Scr.Value(40);
   int zoom_changes = 0;
   ScopedTracingGL trace;
@@ -328,10 +314,7 @@ TEST_F(ViewTest, ReloadReadsTheFileWithTheMenuBlockSwitchesAndFitsIt) {
   view.RenderIt(true, true);
   // The scene's own axes are off: the box alone makes the room.
   EXPECT_EQ(view.RoomBox, (std::array<Single, 6>{0, 40, 0, 2, 0, 1}));
-  EXPECT_FLOAT_EQ(view.WinXMin, 0);
-  EXPECT_FLOAT_EQ(view.WinXMax, 40);
-  EXPECT_FLOAT_EQ(view.WinYMin, 0);
-  EXPECT_FLOAT_EQ(view.WinYMax, 1);
+  ExpectWindow(0, 40, 0, 1);
   EXPECT_EQ(view.Zoom_Scr.Value(), 201);
 
   view.Utils_AxesOn.Checked(true);
@@ -374,10 +357,7 @@ TEST_F(ViewTest, ZoomBarSetsTheWindowToTheFullBoxTimesTheZoomAboutTheCentre) {
   SetRoom(0, 100, 0, 2, 0, 10);
   view.HorAng(0);
   view.VerAng(0);
-  view.WinXMin = 20;
-  view.WinXMax = 40;
-  view.WinYMin = 4;
-  view.WinYMax = 6;
+  SetWindow(20, 40, 4, 6);
   ScopedTracingGL trace;
   view.Zoom_Scr.Value(128);  // the handler runs
   const double z = view.GetOrthoZoom();
