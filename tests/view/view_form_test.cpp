@@ -353,28 +353,6 @@ TEST_F(ViewTest, PlainRedrawCostsOneListCallTheAxesAndTheSwap) {
   EXPECT_EQ(Count(lines, "glGenLists("), 0);
 }
 
-TEST_F(ViewTest, ZoomBarSetsTheWindowToTheFullBoxTimesTheZoomAboutTheCentre) {
-  SetRoom(0, 100, 0, 2, 0, 10);
-  view.HorAng(0);
-  view.VerAng(0);
-  SetWindow(20, 40, 4, 6);
-  ScopedTracingGL trace;
-  view.Zoom_Scr.Value(128);  // the handler runs
-  const double z = view.GetOrthoZoom();
-  // The full box is 100 x 10; the centre (30, 5) stays.
-  EXPECT_NEAR(view.WinXMax - view.WinXMin, 100 * z, 1e-4);
-  EXPECT_NEAR(view.WinYMax - view.WinYMin, 10 * z, 1e-4);
-  EXPECT_NEAR((view.WinXMin + view.WinXMax) / 2, 30, 1e-4);
-  EXPECT_NEAR((view.WinYMin + view.WinYMax) / 2, 5, 1e-4);
-  EXPECT_EQ(Count(trace.Lines(), "glCallList("), 1);  // and redrew
-
-  view.Busy = true;  // the form's own writes do not redraw
-  trace.Clear();
-  view.Zoom_Scr.Value(100);
-  EXPECT_TRUE(trace.Lines().empty());
-  EXPECT_NEAR((view.WinXMin + view.WinXMax) / 2, 30, 1e-4);
-}
-
 TEST_F(ViewTest, GlStartRunsOnceOnTheDrawingAreasSurface) {
   FakeSurface surface;
   view.FacePbx.hDC(&surface);
