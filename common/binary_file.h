@@ -78,7 +78,7 @@ class BinaryFile {
   // One window of the file held in memory.
   std::vector<unsigned char> buf_;
   std::int64_t win_start_ = 0;
-  std::size_t win_len_ = 0;  // valid bytes in buf_
+  std::size_t win_len_ = 0;                  // valid bytes in buf_
   std::size_t dirty_lo_ = 0, dirty_hi_ = 0;  // dirty range within buf_
 };
 

@@ -13,7 +13,9 @@ StderrMessageBoxes g_stderr_boxes;
 MessageBoxes* g_boxes = &g_stderr_boxes;
 }  // namespace
 
-MessageBoxes& Messages() { return *g_boxes; }
+MessageBoxes& Messages() {
+  return *g_boxes;
+}
 
 MessageBoxes* SetMessageBoxes(MessageBoxes* boxes) {
   MessageBoxes* previous = g_boxes;

@@ -32,15 +32,31 @@ T Narrow(std::int64_t v) {
 
 }  // namespace
 
-Integer CInt(double v) { return RoundChecked<Integer>(v); }
-Long CLng(double v) { return RoundChecked<Long>(v); }
+Integer CInt(double v) {
+  return RoundChecked<Integer>(v);
+}
+Long CLng(double v) {
+  return RoundChecked<Long>(v);
+}
 
-Integer IntAdd(Integer a, Integer b) { return Narrow<Integer>(std::int64_t{a} + b); }
-Integer IntSub(Integer a, Integer b) { return Narrow<Integer>(std::int64_t{a} - b); }
-Integer IntMul(Integer a, Integer b) { return Narrow<Integer>(std::int64_t{a} * b); }
-Long LongAdd(Long a, Long b) { return Narrow<Long>(std::int64_t{a} + b); }
-Long LongSub(Long a, Long b) { return Narrow<Long>(std::int64_t{a} - b); }
-Long LongMul(Long a, Long b) { return Narrow<Long>(std::int64_t{a} * b); }
+Integer IntAdd(Integer a, Integer b) {
+  return Narrow<Integer>(std::int64_t{a} + b);
+}
+Integer IntSub(Integer a, Integer b) {
+  return Narrow<Integer>(std::int64_t{a} - b);
+}
+Integer IntMul(Integer a, Integer b) {
+  return Narrow<Integer>(std::int64_t{a} * b);
+}
+Long LongAdd(Long a, Long b) {
+  return Narrow<Long>(std::int64_t{a} + b);
+}
+Long LongSub(Long a, Long b) {
+  return Narrow<Long>(std::int64_t{a} - b);
+}
+Long LongMul(Long a, Long b) {
+  return Narrow<Long>(std::int64_t{a} * b);
+}
 
 Single CheckSingle(double v) {
   if (!std::isfinite(v)) Raise(kErrOverflow);

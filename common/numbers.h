@@ -44,6 +44,8 @@ double LogDouble(double v);  // zero or negative -> 5
 double RoundDown(double v, int n);
 
 // Sign as -1, 0 or +1.
-inline int Sgn(double v) { return v > 0 ? 1 : (v < 0 ? -1 : 0); }
+inline int Sgn(double v) {
+  return v > 0 ? 1 : (v < 0 ? -1 : 0);
+}
 
 }  // namespace quelo

@@ -24,10 +24,10 @@
 #include <vector>
 
 #include "common/numbers.h"
-#include "view/controls.h"
-#include "view/view_form.h"
 #include "form/common_dialog.h"
 #include "form/cursor_pictures.h"
+#include "view/controls.h"
+#include "view/view_form.h"
 
 namespace quelo {
 

@@ -17,9 +17,9 @@
 #include <memory>
 #include <vector>
 
+#include "form/quelo_form.h"
 #include "viewer/fltk_dialogs.h"
 #include "viewer/fltk_face_window.h"
-#include "form/quelo_form.h"
 
 namespace quelo {
 

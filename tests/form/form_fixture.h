@@ -10,11 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include "support/recorded_messages.h"
 #include "common/runtime_error.h"
-#include "support/fake_surface.h"
-#include "glctrl/gl_dispatch.h"
 #include "form/quelo_form.h"
+#include "glctrl/gl_dispatch.h"
+#include "support/fake_surface.h"
+#include "support/recorded_messages.h"
 
 namespace quelo::testing {
 

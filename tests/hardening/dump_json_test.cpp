@@ -7,9 +7,9 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "scenefile/stream_head.h"
 #include "support/bytes.h"
 #include "support/run_command.h"
-#include "scenefile/stream_head.h"
 #include "support/temp_dir.h"
 
 namespace quelo {

@@ -3,8 +3,8 @@
 // writers should produce the records.
 #pragma once
 
-#include <cstdint>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <initializer_list>
 #include <memory>
