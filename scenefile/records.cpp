@@ -61,14 +61,16 @@ static_assert(LengthsMatchLayouts());
 // Decoded records keep each kind of value in an array of its own.
 constexpr bool KindCountsFit() {
   for (const OpSpec& spec : kTable) {
-    std::size_t l = 0, s = 0, d = 0;
+    std::size_t longs = 0, singles = 0, doubles = 0;
     for (std::size_t i = 0; i < spec.field_count; ++i) {
       const FieldKind kind = spec.field_storage[i].kind;
-      l += kind == FieldKind::kLong;
-      s += kind == FieldKind::kSingle;
-      d += kind == FieldKind::kDouble;
+      longs += kind == kLong;
+      singles += kind == kSingle;
+      doubles += kind == kDouble;
     }
-    if (l > kMaxLongFields || s > kMaxSingleFields || d > kMaxDoubleFields) return false;
+    if (longs > kMaxLongFields || singles > kMaxSingleFields || doubles > kMaxDoubleFields) {
+      return false;
+    }
   }
   return true;
 }
