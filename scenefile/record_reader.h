@@ -70,13 +70,12 @@ struct Record {
 // Calls visit(value) for each payload field of rec in table order, with a
 // reference to the Long, Single or double of rec that holds it: the one walk
 // over the table's layout that writing, reading and printing share. An
-// unknown op has no fields. R is Record or const Record.
+// unknown op has no fields. R is Record or const Record; spec, where given,
+// is the table entry of rec.op, already looked up.
 template <class R, class Visitor>
-void VisitFields(R& rec, Visitor&& visit) {
-  const OpSpec* spec = FindOp(rec.op);
-  if (spec == nullptr) return;
+void VisitFields(const OpSpec& spec, R& rec, Visitor&& visit) {
   std::size_t longs = 0, singles = 0, doubles = 0;
-  for (const FieldSpec& field : spec->fields()) {
+  for (const FieldSpec& field : spec.fields()) {
     switch (field.kind) {
       case FieldKind::kLong:
         visit(rec.longs[longs++]);
@@ -89,6 +88,11 @@ void VisitFields(R& rec, Visitor&& visit) {
         break;
     }
   }
+}
+
+template <class R, class Visitor>
+void VisitFields(R& rec, Visitor&& visit) {
+  if (const OpSpec* spec = FindOp(rec.op)) VisitFields(*spec, rec, visit);
 }
 
 class RecordReader {

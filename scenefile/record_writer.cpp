@@ -26,7 +26,7 @@ void WriteRecord(BinaryFile& f, const Record& rec) {
   assert(spec != nullptr);
   f.WriteLong(spec->code);
   f.WriteLong(spec->length);
-  VisitFields(rec, [&f](auto value) { WriteField(f, value); });
+  VisitFields(*spec, rec, [&f](auto value) { WriteField(f, value); });
 }
 
 // The named writers: one record each, through the table.
