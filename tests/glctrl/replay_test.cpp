@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -42,6 +44,11 @@ class Replay : public ::testing::Test {
   static bool BoxUntouched(const OpenGL_Ctrl& c) {
     return c.FileCoord_xMin == 1e38f && c.FileCoord_xMax == -1e38f;
   }
+  // x min, x max, y min, y max, z min, z max.
+  static std::array<Single, 6> Box(const OpenGL_Ctrl& c) {
+    return {c.FileCoord_xMin, c.FileCoord_xMax, c.FileCoord_yMin,
+            c.FileCoord_yMax, c.FileCoord_zMin, c.FileCoord_zMax};
+  }
 
   TempDir dir;
   std::string path = dir.File("s.bin");
@@ -66,10 +73,7 @@ TEST_F(Replay, DisabledBlockDrawsNothingAndLeavesTheBoxAlone) {
 
   disabled.clear();
   EXPECT_EQ(Play(path, ctrl), Lines{"glVertex3f(1, 2, 3)"});
-  EXPECT_EQ(ctrl.FileCoord_xMin, 1.0f);
-  EXPECT_EQ(ctrl.FileCoord_xMax, 1.0f);
-  EXPECT_EQ(ctrl.FileCoord_yMax, 2.0f);
-  EXPECT_EQ(ctrl.FileCoord_zMin, 3.0f);
+  EXPECT_EQ(Box(ctrl), (std::array<Single, 6>{1, 1, 2, 2, 3, 3}));
 }
 
 TEST_F(Replay, NormalsPassInsideDisabledBlocksColoursDoNot) {
@@ -170,12 +174,7 @@ TEST_F(Replay, DontSendToGLWalksAndMeasuresWithoutDrawing) {
   }
   ctrl.DontSendToGL = true;
   EXPECT_EQ(Play(path, ctrl), Lines{});
-  EXPECT_EQ(ctrl.FileCoord_xMin, -1.0f);
-  EXPECT_EQ(ctrl.FileCoord_xMax, 10.0f);
-  EXPECT_EQ(ctrl.FileCoord_yMin, -5.0f);
-  EXPECT_EQ(ctrl.FileCoord_yMax, 5.0f);
-  EXPECT_EQ(ctrl.FileCoord_zMin, 0.0f);
-  EXPECT_EQ(ctrl.FileCoord_zMax, 2.0f);
+  EXPECT_EQ(Box(ctrl), (std::array<Single, 6>{-1, 10, -5, 5, 0, 2}));
 }
 
 TEST_F(Replay, TessellatedPolygonIsTriangulatedAndMeasured) {
