@@ -77,7 +77,6 @@ std::string Save(const TempDir& dir, const Bytes& b, const std::string& name = "
 }
 
 TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
-  TempDir dir;
   const auto r = RunQgl("info --json " + Quoted(kExample));
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.err, "");
@@ -147,7 +146,6 @@ TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
 }
 
 TEST(QglDump, ListsEveryRecordOfEachStreamAsTheDecoderSeesIt) {
-  TempDir dir;
   const auto r = RunQgl("dump --json " + Quoted(kExample));
   ASSERT_EQ(r.status, 0) << r.err;
   const auto j = r.Json();
