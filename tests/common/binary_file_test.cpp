@@ -65,30 +65,6 @@ TEST(BinaryFile, ReadMeetingTheEndSetsEofAndZeroFills) {
   EXPECT_TRUE(f->AtEnd());
 }
 
-TEST(BinaryFile, OpeningForWritingKeepsAnExistingTail) {
-  TempDir dir;
-  const auto path = dir.File("tail.bin");
-  WriteAll(path, {1, 2, 3, 4, 5, 6, 7, 8});
-  {
-    auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
-    f->Seek(3);
-    f->WriteInteger(0x0909);
-  }
-  EXPECT_EQ(ReadAll(path), (std::vector<unsigned char>{1, 2, 9, 9, 5, 6, 7, 8}));
-}
-
-TEST(BinaryFile, OpenErrorsAreNumbered) {
-  TempDir dir;
-  EXPECT_EQ(ErrorOf([&] { BinaryFile::Open(dir.File("missing"), BinaryFile::Access::kRead); }),
-            kErrFileNotFound);
-  EXPECT_EQ(ErrorOf([&] { BinaryFile::Open(dir.path().string(), BinaryFile::Access::kRead); }),
-            kErrPathFileAccess);
-  EXPECT_EQ(ErrorOf([&] { BinaryFile::Open("", BinaryFile::Access::kRead); }),
-            kErrBadFileNameOrNumber);
-  auto f = BinaryFile::Open(dir.File("x"), BinaryFile::Access::kReadWrite);
-  EXPECT_EQ(ErrorOf([&] { f->Seek(0); }), kErrBadRecordNumber);
-}
-
 TEST(BinaryFile, ReadOnlyFileOpensForReadingAndRefusesWrites) {
   if (::geteuid() == 0) GTEST_SKIP() << "root may write any file";
   TempDir dir;
@@ -99,24 +75,6 @@ TEST(BinaryFile, ReadOnlyFileOpensForReadingAndRefusesWrites) {
   EXPECT_FALSE(f->Writable());
   EXPECT_EQ(f->ReadLong(), 1);
   EXPECT_EQ(ErrorOf([&] { f->WriteLong(2); }), kErrBadFileMode);
-}
-
-TEST(FileTable, NumbersAreHandedOutLowestFirst) {
-  TempDir dir;
-  FileTable t;
-  const Integer a = t.FreeFile();
-  EXPECT_EQ(a, 1);
-  t.Open(a, dir.File("a"), BinaryFile::Access::kReadWrite);
-  const Integer b = t.FreeFile();
-  EXPECT_EQ(b, 2);
-  t.Open(b, dir.File("b"), BinaryFile::Access::kReadWrite);
-  EXPECT_EQ(ErrorOf([&] { t.Open(a, dir.File("c"), BinaryFile::Access::kReadWrite); }),
-            kErrFileAlreadyOpen);
-  t.Close(a);
-  EXPECT_EQ(t.FreeFile(), 1);
-  EXPECT_EQ(ErrorOf([&] { t.Get(a); }), kErrBadFileNameOrNumber);
-  t.Close(a);  // closing twice is harmless
-  EXPECT_TRUE(t.IsOpen(b));
 }
 
 }  // namespace

@@ -119,19 +119,6 @@ TEST_F(ChoiceTest, ChoiceRules) {
   }
 }
 
-TEST(SettingsFile, PathAndFields) {
-  EXPECT_EQ(SettingsFilePath("/etc"), "/etc/KIVOhogl.ini");
-  EXPECT_EQ(SettingsFilePath("/etc/"), "/etc/KIVOhogl.ini");
-  EXPECT_EQ(SettingsFilePath(std::string("/etc\0junk", 9)), "/etc/KIVOhogl.ini");
-  TempDir dir;
-  EXPECT_FALSE(ReadPixelFormatSettings(dir.path().string()).file_found);
-  WriteAll(dir.File("KIVOhogl.ini"), testing::Bytes().L(-1).L(0x01020304).data());
-  const PixelFormatSettings s = ReadPixelFormatSettings(dir.path().string());
-  EXPECT_TRUE(s.file_found);
-  EXPECT_EQ(s.PreferAccelerated, -1);
-  EXPECT_EQ(s.PixelFormatIndex, 0x01020304);
-}
-
 TEST_F(ChoiceTest, UnreadableSettingsFileIsReportedBySetDCPixelFormat) {
   std::filesystem::create_directory(dir.File("KIVOhogl.ini"));
   FakeSurface surface(mixed);
@@ -188,15 +175,6 @@ TEST_F(ChoiceTest, PaletteOf332FormatIsBuiltSelectedAndRealised) {
   EXPECT_EQ(rgb(0x92), (std::vector<int>{72, 72, 170, 0}));
 }
 
-TEST_F(ChoiceTest, FailingPixelFormatCallIsReported) {
-  FakeSurface surface(mixed);
-  surface.fail_set_pixel_format = true;
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
-  ctrl.SetDCPixelFormat();
-  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in SetDCPixelFormat"});
-}
-
 // ---- InitRC and the lifecycle ------------------------------------------------
 
 TEST_F(ChoiceTest, InitRCTwiceKeepsOneContextAndHglRCStaysZero) {
@@ -236,17 +214,6 @@ TEST_F(ChoiceTest, NoSurfaceGivesBothMessagesAndNoCrash) {
   EXPECT_FALSE(ctrl.InitRC());
   EXPECT_EQ(messages.Texts(),
             (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
-}
-
-TEST_F(ChoiceTest, UnusableFallbackIndexFailsThePixelFormatOnly) {
-  Settings(testing::Bytes().L(0).L(-3).data());
-  FakeSurface surface({F(kWin), F(kWin)});
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
-  EXPECT_FALSE(ctrl.InitRC());  // the fake makes no context without a format
-  EXPECT_EQ(messages.Texts(),
-            (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
-  EXPECT_EQ(surface.log.front(), "SetPixelFormat(-3)");
 }
 
 TEST_F(ChoiceTest, MakeCurrentActsOnlyWhenAnotherSurfaceIsCurrent) {

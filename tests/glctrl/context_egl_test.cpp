@@ -140,26 +140,6 @@ TEST_F(EglTest, ContextDrawsDisplayListAndTextThatReadBack) {
   EXPECT_EQ(ctrl.ExtHDC(), nullptr);
 }
 
-TEST_F(EglTest, SettingsFilePinsAFormat) {
-  // Pin the first format with a 16-bit depth buffer.
-  PIXELFORMATDESCRIPTOR pfd;
-  const int count = surface.DescribePixelFormat(1, &pfd);
-  int pinned = 0;
-  for (int i = 1; i < count && pinned == 0; ++i) {
-    surface.DescribePixelFormat(i, &pfd);
-    if (pfd.cDepthBits == 16) pinned = i;
-  }
-  ASSERT_NE(pinned, 0);
-  std::vector<unsigned char> bytes = {0, 0, 0, 0, static_cast<unsigned char>(pinned), 0, 0, 0};
-  testing::WriteAll(dir.File("KIVOhogl.ini"), bytes);
-  ctrl.ExtHDC(&surface);
-  ASSERT_TRUE(ctrl.InitRC());
-  EXPECT_EQ(surface.GetPixelFormat(), pinned);
-  GLint depth = 0;
-  GL().glGetIntegerv(GL_DEPTH_BITS, &depth);
-  EXPECT_EQ(depth, 16);
-}
-
 TEST(EglSurfaceErrors, MissingEglGivesMessagesNotACrash) {
   EglSurface surface(16, 16, "libEGL-quelo-missing.so.1");
   EXPECT_NE(surface.Error().find("libEGL-quelo-missing.so.1"), std::string::npos)

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <functional>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,26 +29,6 @@ std::string BitmapOfList(const std::vector<std::string>& lines, long name) {
     if (lines[i] == head) return lines[i + 1];
   }
   return "";
-}
-
-// Whether a glBitmap line's byte array holds a set bit.
-bool HasSetBits(const std::string& line) {
-  const auto open = line.find('[');
-  if (open == std::string::npos) return false;
-  std::istringstream bytes(line.substr(open + 1));
-  std::string value;
-  while (std::getline(bytes, value, ',')) {
-    if (std::stoi(value) != 0) return true;
-  }
-  return false;
-}
-
-// The x move of a glBitmap line: its fifth argument.
-double Advance(const std::string& line) {
-  std::istringstream args(line.substr(line.find('(') + 1));
-  std::string value;
-  for (int i = 0; i < 5; ++i) std::getline(args, value, ',');
-  return std::stod(value);
 }
 
 class TextTest : public ::testing::Test {
@@ -79,20 +58,6 @@ TEST_F(TextTest, FntPrintAtMakesItsListsOnceAndCallsTheCharacterCodes) {
                       "glCallLists(5, GL_UNSIGNED_BYTE, [72, 65, 76, 76, 79])"),
             lines.end());
   EXPECT_EQ(BitmapOfList(lines, 101 + 96), "");  // nothing beyond the 96
-}
-
-TEST_F(TextTest, GlyphListsHoldBitmapsThatAdvance) {
-  ctrl.fntPrintAt("x", 0, 0, 0);
-  const auto lines = trace.Lines();
-  // The space: no pixels, but it moves the raster position on.
-  const std::string space = BitmapOfList(lines, 101);
-  EXPECT_FALSE(HasSetBits(space)) << space;
-  EXPECT_GT(Advance(space), 2) << space;
-  // "A" has pixels, is wider than the space, and has no vertical move.
-  const std::string a = BitmapOfList(lines, 101 + 33);
-  EXPECT_TRUE(HasSetBits(a)) << a;
-  EXPECT_GT(Advance(a), Advance(space)) << a;
-  EXPECT_NE(a.find(", 0, ["), std::string::npos) << a;
 }
 
 TEST_F(TextTest, EveryTextOutCallMakes96NewListsAndDrawsAtZ0) {

@@ -206,17 +206,6 @@ TEST_F(ContainerReader, FirstGlChunkWithMatchingViewIdWins) {
   EXPECT_EQ(LocateStream(path, 1, info), -1);
 }
 
-TEST_F(ContainerReader, PiWithoutMatchingGlGivesZero) {
-  Bytes b = Header();
-  const auto body = Form1Body(dir_, SampleInfo(0));
-  Chunk(b, "PIFC", 1, 1, Here(b) + 36 + static_cast<Long>(body.size()));
-  b.Raw(body);
-  Chunk(b, "GLFC", 2, 0, Here(b) + 36);
-  Chunk(b, "GLAR", 1, 0, Here(b) + 36);
-  SceneInfo info;
-  EXPECT_EQ(LocateStream(Save(dir_, b), 1, info), 0);
-}
-
 TEST_F(ContainerReader, FormZeroIsConvertedToTheCurrentForm) {
   const std::string path = dir_.File("old.qgl");
   Long stream = 0;
@@ -240,26 +229,6 @@ TEST_F(ContainerReader, FormZeroIsConvertedToTheCurrentForm) {
   EXPECT_EQ(info.Setup.Scale, 100.0f);
   EXPECT_EQ(info.Revision, 0);
   EXPECT_EQ(info.Title, "Older");
-}
-
-TEST_F(ContainerReader, BodyLayoutsHaveTheirDocumentedSizes) {
-  // Form 1: 204 fixed bytes, then the title; form 0 lacks Revision (4 bytes).
-  SceneInfo info = SampleInfo(0);
-  info.Title = "xyz";
-  EXPECT_EQ(Form1Body(dir_, info).size(), 204u + 2 + 3);
-  const std::string path = dir_.File("f0.bin");
-  {
-    auto f = CreateSceneFile(path);
-    SceneInfoForm0 old;
-    old.Title = "xyz";
-    WriteSceneInfoForm0(*f, old);
-  }
-  EXPECT_EQ(testing::ReadAll(path).size(), 200u + 2 + 3);
-  // Revision sits at offset 200 of form 1, the title length at 204.
-  const auto body = Form1Body(dir_, info);
-  EXPECT_EQ(body[200], 9);
-  EXPECT_EQ(body[204], 3);
-  EXPECT_EQ(body[206], 'x');
 }
 
 TEST_F(ContainerReader, CyclicChainEndsThePassLikeTheEndOfFile) {

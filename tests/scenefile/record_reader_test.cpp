@@ -109,22 +109,6 @@ TEST(RecordRoundTrip, RewritingDecodedRecordsGivesTheSameBytes) {
   EXPECT_EQ(testing::ReadAll(copy), testing::ReadAll(original));
 }
 
-TEST(RecordReader, HeadAndEndRecordAloneAre764BytesAndPlayNothing) {
-  TempDir dir;
-  const std::string path = dir.File("min.bin");
-  {
-    auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
-    WriteStreamHead(*f);
-    WriteEndOfSeqRecord(*f);
-  }
-  EXPECT_EQ(testing::ReadAll(path).size(), 764u);
-  const auto d = testing::DecodeFile(path);
-  EXPECT_EQ(d.form, StreamForm::kFramed);
-  ASSERT_EQ(d.records.size(), 1u);
-  EXPECT_EQ(d.records[0].position, kFirst);
-  EXPECT_EQ(d.records[0].action, RecordAction::kStop);
-}
-
 TEST(RecordReader, FirstLongDecidesTheForm) {
   TempDir dir;
   // Another negative value: nothing at all, even with records after it.
@@ -149,19 +133,6 @@ TEST(RecordReader, FirstLongDecidesTheForm) {
   ASSERT_EQ(f.records.size(), 2u);
   EXPECT_EQ(f.records[0].position, kFirst);
   EXPECT_EQ(f.records[0].action, RecordAction::kPlay);
-}
-
-TEST(RecordReader, StartsAtTheFilesCurrentPosition) {
-  TempDir dir;
-  Bytes b;
-  b.L(-5).L(-5).L(-5);  // 12 bytes before the stream
-  b.Raw(StreamHeadBytes()).L(4).L(12).S(9).S(8).S(7).L(0).L(0);
-  const std::string path = dir.File("off.bin");
-  testing::WriteAll(path, b.data());
-  const auto d = testing::DecodeFile(path, 13);
-  ASSERT_EQ(d.records.size(), 2u);
-  EXPECT_EQ(d.records[0].position, 13 + 756);
-  EXPECT_EQ(d.records[0].singles[0], 9.0f);
 }
 
 TEST(RecordReader, KnownCodeWithWrongLengthIsSkippedWhole) {
@@ -325,25 +296,6 @@ TEST(RecordReader, NextPositionBeyondALongIsAnOverflowError) {
   auto ok = Framed();
   ok.L(99).L(std::numeric_limits<Long>::max() - 757 - 8).L(0).L(0);
   EXPECT_EQ(DecodeBytes(dir, ok.data()).records.size(), 1u);
-}
-
-TEST(RecordReader, FramedReaderSeeksPastWritesMadeBetweenRecords) {
-  // Replay may record while it plays; the framed form still finds each record
-  // at its computed position.
-  TempDir dir;
-  auto b = Framed();
-  b.L(2).L(0).L(1).L(4).L(7).L(0).L(0);
-  const std::string path = dir.File("rw.bin");
-  testing::WriteAll(path, b.data());
-  auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
-  RecordReader reader(*f);
-  Record rec;
-  ASSERT_TRUE(reader.Next(rec));
-  f->Seek(1);
-  f->WriteLong(123);
-  ASSERT_TRUE(reader.Next(rec));
-  EXPECT_EQ(rec.op, kOpBegin);
-  EXPECT_EQ(rec.longs[0], 7);
 }
 
 // Every prefix of a valid stream: the reader returns a prefix of the full

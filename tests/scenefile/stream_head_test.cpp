@@ -35,19 +35,5 @@ TEST(StreamHead, IsTheFramedMarkThenAnUnframedPictureOfTwentyThreeLines) {
   EXPECT_EQ(d.records[48].action, RecordAction::kStop);
 }
 
-TEST(StreamHead, WriterPutsItAtTheCurrentPosition) {
-  testing::TempDir dir;
-  const std::string path = dir.File("head.bin");
-  {
-    auto f = BinaryFile::Open(path, BinaryFile::Access::kReadWrite);
-    f->WriteBytes("abc", 3);
-    WriteStreamHead(*f);
-    EXPECT_EQ(f->Position(), 3 + 756 + 1);
-  }
-  const auto bytes = testing::ReadAll(path);
-  ASSERT_EQ(bytes.size(), 759u);
-  EXPECT_TRUE(std::equal(bytes.begin() + 3, bytes.end(), StreamHeadBytes().begin()));
-}
-
 }  // namespace
 }  // namespace quelo
