@@ -1,7 +1,6 @@
 #include "scenefile/record_writer.h"
 
-#include <cassert>
-
+#include "common/runtime_error.h"
 #include "scenefile/record_reader.h"
 #include "scenefile/records.h"
 
@@ -23,7 +22,7 @@ void WriteField(BinaryFile& f, double value) {
 
 void WriteRecord(BinaryFile& f, const Record& rec) {
   const OpSpec* spec = FindOp(rec.op);
-  assert(spec != nullptr);
+  if (spec == nullptr) Raise(kErrInvalidCall);  // nothing is written
   f.WriteLong(spec->code);
   f.WriteLong(spec->length);
   VisitFields(*spec, rec, [&f](auto value) { WriteField(f, value); });

@@ -39,7 +39,7 @@ void WriteBlockEndRecord(BinaryFile& f, Long block_id);                      // 
 
 // Writes any record of the table from its decoded values (record_reader.h):
 // op, the table's length and the payload fields of rec in table order.
-// rec.op must be a code 0..16 (an assertion, not a file check).
+// A code outside 0..16 raises 5 (Invalid procedure call or argument) and writes nothing.
 void WriteRecord(BinaryFile& f, const Record& rec);
 
 }  // namespace quelo

@@ -8,6 +8,7 @@
 #include "scenefile/record_writer.h"
 #include "scenefile/stream_head.h"
 #include "support/bytes.h"
+#include "support/error_of.h"
 
 namespace quelo {
 namespace {
@@ -107,6 +108,13 @@ TEST(RecordRoundTrip, RewritingDecodedRecordsGivesTheSameBytes) {
     }
   }
   EXPECT_EQ(testing::ReadAll(copy), testing::ReadAll(original));
+  // A record of no known operation is refused before anything is written.
+  auto f = BinaryFile::Open(copy, BinaryFile::Access::kReadWrite);
+  f->Seek(f->Length() + 1);
+  Record unknown;
+  unknown.op = kOpCount;
+  EXPECT_EQ(testing::ErrorOf([&] { WriteRecord(*f, unknown); }), kErrInvalidCall);
+  EXPECT_EQ(f->Position(), f->Length() + 1);
 }
 
 TEST(RecordReader, FirstLongDecidesTheForm) {
