@@ -70,8 +70,8 @@ bool RecordReader::Next(Record& rec) {
   return form_ == StreamForm::kFramed ? NextFramed(rec) : NextUnframed(rec);
 }
 
-bool RecordReader::ReadPayload(Record& rec) {
-  VisitFields(rec, [this](auto& value) { ReadField(f_, value); });
+bool RecordReader::ReadPayload(const OpSpec& spec, Record& rec) {
+  VisitFields(spec, rec, [this](auto& value) { ReadField(f_, value); });
   // Reads run forward, so a payload cut short leaves Eof set by its last field.
   return !f_.Eof();
 }
@@ -106,7 +106,7 @@ bool RecordReader::NextFramed(Record& rec) {
     done_ = true;
     return true;
   } else {
-    if (!ReadPayload(rec)) {
+    if (!ReadPayload(*spec, rec)) {
       done_ = true;
       return false;
     }
@@ -138,7 +138,8 @@ bool RecordReader::NextUnframed(Record& rec) {
     done_ = true;
     return true;
   }
-  if (!ReadPayload(rec)) {
+  // Codes 1 to 14 are all in the table.
+  if (!ReadPayload(*FindOp(rec.op), rec)) {
     done_ = true;
     return false;
   }

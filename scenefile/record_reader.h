@@ -111,7 +111,8 @@ class RecordReader {
  private:
   bool NextFramed(Record& rec);
   bool NextUnframed(Record& rec);
-  bool ReadPayload(Record& rec);
+  // Reads the fields of spec, the table entry of rec.op.
+  bool ReadPayload(const OpSpec& spec, Record& rec);
 
   BinaryFile& f_;
   StreamForm form_ = StreamForm::kNone;
