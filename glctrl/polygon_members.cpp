@@ -56,28 +56,25 @@ void GLAPIENTRY TessVertexCallback(void* vertex_data) {
 }  // namespace
 
 void PolygonMembers::BeginPoly(Integer corner_count) {
-  PolygonBuffer& polygon = buffer_;
   if (switches_.SendToFile) WriteTessBeginPolyRecord(StreamFileOf(switches_), corner_count);
   if (switches_.DontSendToGL) return;
-  polygon.corner_count = corner_count;
-  polygon.vertices.Recreate(corner_count);  // zero-filled; a negative count raises 9
+  buffer_.corner_count = corner_count;
+  buffer_.vertices.Recreate(corner_count);  // zero-filled; a negative count raises 9
   vertex_counter_ = 0;
 }
 
 void PolygonMembers::Vector3d(double x, double y, double z) {
-  PolygonBuffer& polygon = buffer_;
   if (switches_.SendToFile) WriteTessVector3dRecord(StreamFileOf(switches_), x, y, z);
   if (switches_.DontSendToGL) return;
   // The counter goes up first: a corner beyond the announced count raises 9
   // with the counter already increased.
   vertex_counter_ = IntAdd(vertex_counter_, 1);
-  polygon.vertices(1, vertex_counter_) = x;
-  polygon.vertices(2, vertex_counter_) = y;
-  polygon.vertices(3, vertex_counter_) = z;
+  buffer_.vertices(1, vertex_counter_) = x;
+  buffer_.vertices(2, vertex_counter_) = y;
+  buffer_.vertices(3, vertex_counter_) = z;
 }
 
 void PolygonMembers::Vector3dv(std::span<const double> v) {
-  PolygonBuffer& polygon = buffer_;
   // Elements 1 to 3 of the caller's 1-based array; index 0 is not read.
   auto element = [&v](std::size_t k) {
     if (k >= v.size()) Raise(kErrSubscript);
@@ -88,24 +85,22 @@ void PolygonMembers::Vector3dv(std::span<const double> v) {
   }
   if (switches_.DontSendToGL) return;
   vertex_counter_ = IntAdd(vertex_counter_, 1);
-  polygon.vertices(1, vertex_counter_) = element(1);
-  polygon.vertices(2, vertex_counter_) = element(2);
-  polygon.vertices(3, vertex_counter_) = element(3);
+  buffer_.vertices(1, vertex_counter_) = element(1);
+  buffer_.vertices(2, vertex_counter_) = element(2);
+  buffer_.vertices(3, vertex_counter_) = element(3);
 }
 
 void PolygonMembers::EndPoly() {
-  PolygonBuffer& polygon = buffer_;
   if (switches_.SendToFile) WriteTessEndPolyRecord(StreamFileOf(switches_));
   if (switches_.DontSendToGL) return;
   const GLDispatch& gl = GL();
 
   // Close the ring: corner 0 is the corner before corner 1.
   for (Long k = 1; k <= 3; ++k) {
-    Statement(
-        [&polygon, k] { polygon.vertices(k, 0) = polygon.vertices(k, polygon.corner_count); });
+    Statement([this, k] { buffer_.vertices(k, 0) = buffer_.vertices(k, buffer_.corner_count); });
   }
   vertex_counter_ = 0;
-  Statement([&polygon] { RunFacetter(polygon); });
+  Statement([this] { RunFacetter(buffer_); });
 
   // The triangles, each corner with the edge flag of the edge leaving it.
   gl.glBegin(GL_TRIANGLES);
@@ -113,9 +108,9 @@ void PolygonMembers::EndPoly() {
   for (Long i = 1; i <= upper; ++i) {
     for (int j = 0; j < 3; ++j) {
       gl.glEdgeFlag(EdgeFlagOf(i, j) ? GL_TRUE : GL_FALSE);
-      Statement([&gl, &polygon, i, j] {
+      Statement([this, &gl, i, j] {
         Long c = CornerOf(i, j);
-        gl.glVertex3d(polygon.vertices(1, c), polygon.vertices(2, c), polygon.vertices(3, c));
+        gl.glVertex3d(buffer_.vertices(1, c), buffer_.vertices(2, c), buffer_.vertices(3, c));
       });
     }
   }
@@ -123,12 +118,12 @@ void PolygonMembers::EndPoly() {
 
   // The marking inside each triangle. centre_ is Single on purpose: the
   // centre is rounded to single precision although the corners are Doubles.
-  auto centre = [this, &polygon](Long i) {
+  auto centre = [this](Long i) {
     for (Long k = 1; k <= 3; ++k) {
-      Statement([this, &polygon, i, k] {
+      Statement([this, i, k] {
         double sum =
-            CheckDouble(polygon.vertices(k, CornerOf(i, 0)) + polygon.vertices(k, CornerOf(i, 1)));
-        sum = CheckDouble(sum + polygon.vertices(k, CornerOf(i, 2)));
+            CheckDouble(buffer_.vertices(k, CornerOf(i, 0)) + buffer_.vertices(k, CornerOf(i, 1)));
+        sum = CheckDouble(sum + buffer_.vertices(k, CornerOf(i, 2)));
         centre_[k] = CheckSingle(DivDouble(sum, 3.0));
       });
     }
@@ -143,7 +138,7 @@ void PolygonMembers::EndPoly() {
         Statement([&] {
           Long c = CornerOf(i, j);
           auto shrunk = [&](Long k) {
-            double twice = CheckDouble(2.0 * polygon.vertices(k, c));
+            double twice = CheckDouble(2.0 * buffer_.vertices(k, c));
             return DivDouble(CheckDouble(twice + double{centre_[k]}), 3.0);
           };
           double x = shrunk(1);
@@ -164,7 +159,7 @@ void PolygonMembers::EndPoly() {
         Statement([&] {
           Long c = CornerOf(i, j);
           auto halfway = [&](Long k) {
-            return DivDouble(CheckDouble(double{centre_[k]} + polygon.vertices(k, c)), 2.0);
+            return DivDouble(CheckDouble(double{centre_[k]} + buffer_.vertices(k, c)), 2.0);
           };
           double x = halfway(1);
           double y = halfway(2);
