@@ -61,16 +61,6 @@ SceneInfoForm0 SampleForm0() {
   return old;
 }
 
-// PI body in form 1 as bytes.
-std::vector<unsigned char> Form1Body(const TempDir& dir, const SceneInfo& info) {
-  const std::string path = dir.File("body.bin");
-  {
-    auto f = CreateSceneFile(path);
-    WriteSceneInfoForm1(*f, info);
-  }
-  return testing::ReadAll(path);
-}
-
 std::string Save(const TempDir& dir, const Bytes& b, const char* name = "scene.qgl") {
   const std::string path = dir.File(name);
   testing::WriteAll(path, b.data());
@@ -82,27 +72,37 @@ class ContainerReader : public ::testing::Test {
  protected:
   void SetUp() override { free_before_ = Files().FreeFile(); }
   void TearDown() override { EXPECT_EQ(Files().FreeFile(), free_before_); }
-  TempDir dir_;
-  Integer free_before_ = 0;
-};
-
-TEST_F(ContainerReader, FindsEveryViewOfAWrittenFile) {
-  const std::string path = dir_.File("views.qgl");
-  Long streams[4] = {};
-  {
+  // Views 1 and 3 with form-1 PI bodies, view 2 with a form-0 body; each
+  // stream holds one triangle record set. Fills streams_[kind].
+  std::string WriteThreeViews() {
+    const std::string path = dir_.File("views.qgl");
     auto f = CreateSceneFile(path);
     ContainerWriter w(*f);
-    for (Long kind : {2, 1, 3}) {
-      w.AddInfoChunk(kind, 10 + kind, SampleInfo(kind));
-      streams[kind] = w.BeginGlChunk(kind, 10 + kind);
+    for (Long kind : {1, 2, 3}) {
+      if (kind == 2) {
+        w.AddInfoChunkForm0(kind, 10 + kind, SampleForm0());
+      } else {
+        w.AddInfoChunk(kind, 10 + kind, SampleInfo(kind));
+      }
+      streams_[kind] = w.BeginGlChunk(kind, 10 + kind);
+      WriteBeginRecord(*f, 4);
       WriteVertex3fRecord(*f, 1, 2, static_cast<Single>(kind));
+      WriteEndRecord(*f);
       w.EndGlChunk();
     }
     w.Finish();
+    return path;
   }
-  for (Long kind = 1; kind <= 3; ++kind) {
+  TempDir dir_;
+  Integer free_before_ = 0;
+  Long streams_[4] = {};
+};
+
+TEST_F(ContainerReader, FindsEveryViewOfAWrittenFileInBothForms) {
+  const std::string path = WriteThreeViews();
+  for (Long kind : {1, 3}) {
     SceneInfo info;
-    EXPECT_EQ(LocateStream(path, kind, info), streams[kind]) << kind;
+    EXPECT_EQ(LocateStream(path, kind, info), streams_[kind]) << kind;
     const SceneInfo want = SampleInfo(kind);
     EXPECT_EQ(info.Flags, kind);
     EXPECT_EQ(info.DrawingNo, "D-0042              ");  // fixed texts come back padded
@@ -114,113 +114,10 @@ TEST_F(ContainerReader, FindsEveryViewOfAWrittenFile) {
     EXPECT_EQ(info.Revision, 9);
     EXPECT_EQ(info.Title, "A title");
   }
-  // The stream is there: head, then the vertex.
-  auto f = BinaryFile::Open(path, BinaryFile::Access::kRead);
-  f->Seek(streams[3] + kStreamHeadSize);
-  EXPECT_EQ(f->ReadLong(), kOpVertex3f);
-}
-
-TEST_F(ContainerReader, OtherKindsAndMissingViewsGiveMinusOne) {
-  const std::string path = dir_.File("fc.qgl");
-  {
-    auto f = CreateSceneFile(path);
-    ContainerWriter w(*f);
-    w.AddInfoChunk(1, 1, SampleInfo(0));
-    w.BeginGlChunk(1, 1);
-    w.EndGlChunk();
-    w.Finish();
-  }
-  SceneInfo info = SampleInfo(77);
-  EXPECT_EQ(LocateStream(path, 2, info), -1);
-  EXPECT_EQ(LocateStream(path, 3, info), -1);
-  EXPECT_EQ(LocateStream(path, 0, info), -1);
-  EXPECT_EQ(LocateStream(path, 4, info), -1);
-  EXPECT_EQ(LocateStream(path, -1, info), -1);
-  EXPECT_EQ(info.Flags, 77);  // left as it was
-  // A header and no chunks at all.
-  EXPECT_EQ(LocateStream(Save(dir_, Header()), 1, info), -1);
-  // A header shorter than 36 bytes reads as zeros: still accepted, no chunks.
-  EXPECT_EQ(LocateStream(Save(dir_, Bytes().Tag("KIVO").L(4)), 1, info), -1);
-  EXPECT_EQ(info.Flags, 77);
-}
-
-TEST_F(ContainerReader, HeaderChecksGiveMinusTwo) {
-  auto with_view = [&](Bytes b) {
-    Chunk(b, "PIFC", 1, 1, 0);
-    return LocateStream(Save(dir_, b), 1, *std::make_unique<SceneInfo>());
-  };
-  EXPECT_EQ(with_view(Header("KIVX")), -2);
-  EXPECT_EQ(with_view(Header("kivo")), -2);
-  EXPECT_EQ(with_view(Header("KIVO", 5)), -2);
-  EXPECT_EQ(with_view(Header("KIVO", 4, 1)), -2);
-  EXPECT_EQ(with_view(Header("KIVO", 4, 0, -1)), -2);
-  EXPECT_EQ(with_view(Header("KIVO", 4, 0, 0)), 0);  // PI found, no GL chunk
-  SceneInfo info;
-  EXPECT_EQ(LocateStream(Save(dir_, Bytes()), 1, info), -2);
-  EXPECT_EQ(LocateStream(Save(dir_, Bytes().Tag("KIV")), 1, info), -2);
-  // -2 comes before the kind is looked at.
-  EXPECT_EQ(LocateStream(Save(dir_, Header("XXXX")), 9, info), -2);
-}
-
-TEST_F(ContainerReader, PiBodyFormOtherThanZeroOrOneGivesMinusTwo) {
-  for (Long form : {2, -1, 1 << 20}) {
-    Bytes b = Header();
-    Chunk(b, "PIFC", 5, form, Here(b) + 36 + 4);
-    b.L(2);
-    Chunk(b, "GLFC", 5, 0, Here(b) + 36 + 764);
-    b.Raw(StreamHeadBytes()).L(0).L(0);
-    SceneInfo info = SampleInfo(3);
-    EXPECT_EQ(LocateStream(Save(dir_, b), 1, info), -2) << form;
-    EXPECT_EQ(info.Flags, 3);
-  }
-}
-
-TEST_F(ContainerReader, GlChunkBeforeItsPiChunkIsFound) {
-  Bytes b = Header();
-  Chunk(b, "GLAR", 4, 0, Here(b) + 36 + 8);
-  const Long stream = Here(b);
-  b.L(0).L(0);
-  const auto body = Form1Body(dir_, SampleInfo(2));
-  Chunk(b, "PIAR", 4, 1, Here(b) + 36 + static_cast<Long>(body.size()));
-  b.Raw(body);
-  SceneInfo info;
-  EXPECT_EQ(LocateStream(Save(dir_, b), 2, info), stream);
-  EXPECT_EQ(info.Flags, 2);
-}
-
-TEST_F(ContainerReader, FirstGlChunkWithMatchingViewIdWins) {
-  Bytes b = Header();
-  const auto body = Form1Body(dir_, SampleInfo(0));
-  // Two stray Longs after the PI body: the chain passes over them.
-  Chunk(b, "PIA3", 8, 1, Here(b) + 36 + static_cast<Long>(body.size()) + 8);
-  b.Raw(body).L(0).L(0);
-  Chunk(b, "GLA3", 7, 0, Here(b) + 36);  // wrong view id
-  Chunk(b, "GLFC", 8, 0, Here(b) + 36);  // wrong tag
-  Chunk(b, "gla3", 8, 0, Here(b) + 36);  // tags are case-sensitive
-  Chunk(b, "GLA3", 8, 0, Here(b) + 36);
-  const Long first = Here(b);
-  Chunk(b, "GLA3", 8, 0, Here(b) + 36);
-  SceneInfo info;
-  const std::string path = Save(dir_, b);
-  EXPECT_EQ(LocateStream(path, 3, info), first);
-  EXPECT_EQ(LocateStream(path, 1, info), -1);
-}
-
-TEST_F(ContainerReader, FormZeroIsConvertedToTheCurrentForm) {
-  const std::string path = dir_.File("old.qgl");
-  Long stream = 0;
-  {
-    auto f = CreateSceneFile(path);
-    ContainerWriter w(*f);
-    w.AddInfoChunkForm0(1, 3, SampleForm0());
-    stream = w.BeginGlChunk(1, 3);
-    w.EndGlChunk();
-    w.Finish();
-  }
-  SceneInfo info = SampleInfo(0);  // Revision 9 must not survive
-  ASSERT_EQ(LocateStream(path, 1, info), stream);
+  SceneInfo info = SampleInfo(0);  // Revision 9 must not survive the form-0 view
+  ASSERT_EQ(LocateStream(path, 2, info), streams_[2]);
   const SceneInfoForm0 old = SampleForm0();
-  EXPECT_EQ(info.Flags, 2 | 8);  // the view's own flags are not touched
+  EXPECT_EQ(info.Flags, 2 | 8);
   EXPECT_EQ(info.DrawingNo.substr(0, 5), "OLD-1");
   EXPECT_EQ(info.ProjectName.substr(0, 11), "Old project");
   EXPECT_EQ(info.LayerColours, old.LayerColours);
@@ -229,9 +126,94 @@ TEST_F(ContainerReader, FormZeroIsConvertedToTheCurrentForm) {
   EXPECT_EQ(info.Setup.Scale, 100.0f);
   EXPECT_EQ(info.Revision, 0);
   EXPECT_EQ(info.Title, "Older");
+  // The stream is there: head, then the records.
+  auto f = BinaryFile::Open(path, BinaryFile::Access::kRead);
+  f->Seek(streams_[3] + kStreamHeadSize);
+  EXPECT_EQ(f->ReadLong(), kOpBegin);
+
+  // Other kinds, and headers without chunks, leave the info as it was.
+  info = SampleInfo(77);
+  for (Long kind : {0, 4, -1}) EXPECT_EQ(LocateStream(path, kind, info), -1) << kind;
+  EXPECT_EQ(LocateStream(Save(dir_, Header()), 1, info), -1);
+  // A header shorter than 36 bytes reads as zeros: still accepted, no chunks.
+  EXPECT_EQ(LocateStream(Save(dir_, Bytes().Tag("KIVO").L(4)), 1, info), -1);
+  EXPECT_EQ(info.Flags, 77);
 }
 
-TEST_F(ContainerReader, CyclicChainEndsThePassLikeTheEndOfFile) {
+TEST_F(ContainerReader, EveryTruncationGivesASaneResult) {
+  const auto full = testing::ReadAll(WriteThreeViews());
+  const std::string cut_path = dir_.File("cut.qgl");
+  for (std::size_t n = 0; n <= full.size(); ++n) {
+    testing::WriteAll(cut_path, std::vector<unsigned char>(full.begin(), full.begin() + n));
+    for (Long kind = 1; kind <= 3; ++kind) {
+      SceneInfo info;
+      const Long r = LocateStream(cut_path, kind, info);
+      if (n < 5) {
+        ASSERT_EQ(r, -2) << n;  // no magic, or version 0 (missing bytes read as zeros)
+      } else {
+        ASSERT_TRUE(r == -1 || r == 0 || r == streams_[kind]) << n << " kind " << kind << " " << r;
+      }
+      // Once the GL chunk's header is complete, the stream is found.
+      if (static_cast<Long>(n) >= streams_[kind] - 1) {
+        ASSERT_EQ(r, streams_[kind]) << n;
+      }
+    }
+  }
+}
+
+TEST_F(ContainerReader, BadHeaderOrPiBodyFormGivesMinusTwo) {
+  auto with_view = [&](Bytes b, Long form = 1) {
+    Chunk(b, "PIFC", 1, form, 0);
+    SceneInfo info = SampleInfo(3);
+    const Long r = LocateStream(Save(dir_, b), 1, info);
+    EXPECT_EQ(info.Flags, r == -2 ? 3 : 0);  // untouched on failure
+    return r;
+  };
+  EXPECT_EQ(with_view(Header("KIVX")), -2);
+  EXPECT_EQ(with_view(Header("kivo")), -2);
+  EXPECT_EQ(with_view(Header("KIVO", 5)), -2);
+  EXPECT_EQ(with_view(Header("KIVO", 4, 1)), -2);
+  EXPECT_EQ(with_view(Header("KIVO", 4, 0, -1)), -2);
+  EXPECT_EQ(with_view(Header("KIVO", 4, 0, 0)), 0);  // PI found, no GL chunk
+  for (Long form : {2, -1, 1 << 20}) EXPECT_EQ(with_view(Header(), form), -2) << form;
+  SceneInfo info;
+  EXPECT_EQ(LocateStream(Save(dir_, Bytes()), 1, info), -2);
+  EXPECT_EQ(LocateStream(Save(dir_, Bytes().Tag("KIV")), 1, info), -2);
+  // -2 comes before the kind is looked at.
+  EXPECT_EQ(LocateStream(Save(dir_, Header("XXXX")), 9, info), -2);
+}
+
+TEST_F(ContainerReader, FirstGlChunkWithMatchingTagAndViewIdWinsInAnyOrder) {
+  Bytes b = Header();
+  Chunk(b, "GLA3", 7, 0, Here(b) + 36);  // wrong view id
+  Chunk(b, "GLFC", 8, 0, Here(b) + 36);  // wrong tag
+  Chunk(b, "gla3", 8, 0, Here(b) + 36);  // tags are case-sensitive
+  Chunk(b, "GLA3", 8, 0, Here(b) + 36);  // before its PI chunk
+  const Long first = Here(b);
+  Chunk(b, "GLA3", 8, 0, Here(b) + 36);
+  std::vector<unsigned char> body;
+  {
+    const std::string path = dir_.File("body.bin");
+    WriteSceneInfoForm1(*CreateSceneFile(path), SampleInfo(2));
+    body = testing::ReadAll(path);
+  }
+  // Two stray Longs after the PI body: the chain passes over them.
+  Chunk(b, "PIA3", 8, 1, Here(b) + 36 + static_cast<Long>(body.size()) + 8);
+  const std::size_t body_at = b.size();
+  b.Raw(body).L(0).L(0);
+  SceneInfo info;
+  const std::string path = Save(dir_, b);
+  EXPECT_EQ(LocateStream(path, 3, info), first);
+  EXPECT_EQ(info.Flags, 2);
+  EXPECT_EQ(LocateStream(path, 1, info), -1);
+
+  // A title length of 65535 in a file that ends long before stays bounded.
+  b.PatchL(body_at + 204, 0xFFFF);
+  EXPECT_EQ(LocateStream(Save(dir_, b), 3, info), first);
+  EXPECT_EQ(info.Title.size(), kMaxTitleSize);
+}
+
+TEST_F(ContainerReader, CycleCutHeaderOrPositionBelowOneEndsThePass) {
   // 37 -> 73 -> 37: no PI chunk of kind 2 anywhere.
   Bytes b = Header();
   Chunk(b, "PIFC", 1, 1, 73);
@@ -241,47 +223,23 @@ TEST_F(ContainerReader, CyclicChainEndsThePassLikeTheEndOfFile) {
   EXPECT_EQ(LocateStream(looping, 2, info), -1);
   // PI found, but the GL pass loops: 0. (The PI body is garbage, read anyway.)
   EXPECT_EQ(LocateStream(looping, 1, info), 0);
-  // A chunk naming itself.
-  Bytes self = Header();
-  Chunk(self, "XXXX", 0, 0, 37);
-  EXPECT_EQ(LocateStream(Save(dir_, self, "self.qgl"), 1, info), -1);
-}
-
-TEST_F(ContainerReader, NextPositionBelowOneEndsThePass) {
   for (Long next : {0, -1, std::numeric_limits<Long>::min()}) {
-    Bytes b = Header();
-    Chunk(b, "XXXX", 0, 0, next);
-    Chunk(b, "PIFC", 1, 1, Here(b) + 36);  // unreachable
-    SceneInfo info;
-    EXPECT_EQ(LocateStream(Save(dir_, b), 1, info), -1) << next;
+    Bytes stop = Header();
+    Chunk(stop, "XXXX", 0, 0, next);
+    Chunk(stop, "PIFC", 1, 1, Here(stop) + 36);  // unreachable
+    EXPECT_EQ(LocateStream(Save(dir_, stop), 1, info), -1) << next;
   }
-}
-
-TEST_F(ContainerReader, ChunkHeaderCutShortCountsAsNoChunk) {
-  Bytes b = Header();
-  Chunk(b, "XXXX", 0, 0, Here(b) + 36);
-  Bytes cut = b;
-  Chunk(b, "PIFC", 1, 1, 0);
-  // Every cut of the last header, also one byte short.
-  for (std::size_t n = cut.size(); n < b.size(); ++n) {
+  // Every cut of the last chunk header counts as no chunk.
+  Bytes whole = Header();
+  Chunk(whole, "XXXX", 0, 0, Here(whole) + 36);
+  const std::size_t cut_from = whole.size();
+  Chunk(whole, "PIFC", 1, 1, 0);
+  for (std::size_t n = cut_from; n < whole.size(); ++n) {
     Bytes partial;
-    partial.Raw(std::vector<unsigned char>(b.data().begin(), b.data().begin() + n));
-    SceneInfo info;
+    partial.Raw(std::vector<unsigned char>(whole.data().begin(), whole.data().begin() + n));
     EXPECT_EQ(LocateStream(Save(dir_, partial), 1, info), -1) << n;
   }
-  SceneInfo info;
-  EXPECT_EQ(LocateStream(Save(dir_, b), 1, info), 0);
-}
-
-TEST_F(ContainerReader, DamagedTitleLengthStaysBounded) {
-  Bytes b = Header();
-  Chunk(b, "PIFC", 1, 1, 0);
-  b.Raw(Form1Body(dir_, SampleInfo(6)));
-  b.PatchL(36 + 36 + 204, 0xFFFF);  // title length 65535, file ends long before
-  SceneInfo info;
-  EXPECT_EQ(LocateStream(Save(dir_, b), 1, info), 0);
-  EXPECT_EQ(info.Flags, 6);
-  EXPECT_EQ(info.Title.size(), kMaxTitleSize);
+  EXPECT_EQ(LocateStream(Save(dir_, whole), 1, info), 0);
 }
 
 TEST_F(ContainerReader, UnreadableFileRaisesItsFileError) {
@@ -293,46 +251,6 @@ TEST_F(ContainerReader, UnreadableFileRaisesItsFileError) {
     EXPECT_EQ(e.number(), kErrFileNotFound);
   }
   EXPECT_THROW(LocateStream(dir_.path().string(), 1, info), RuntimeError);  // a folder
-}
-
-TEST_F(ContainerReader, EveryTruncationGivesASaneResult) {
-  const std::string path = dir_.File("full.qgl");
-  Long streams[4] = {};
-  {
-    auto f = CreateSceneFile(path);
-    ContainerWriter w(*f);
-    for (Long kind : {1, 2, 3}) {
-      if (kind == 2) {
-        w.AddInfoChunkForm0(kind, kind, SampleForm0());
-      } else {
-        w.AddInfoChunk(kind, kind, SampleInfo(kind));
-      }
-      streams[kind] = w.BeginGlChunk(kind, kind);
-      WriteBeginRecord(*f, 4);
-      WriteVertex3fRecord(*f, 0, 0, 0);
-      WriteEndRecord(*f);
-      w.EndGlChunk();
-    }
-    w.Finish();
-  }
-  const auto full = testing::ReadAll(path);
-  const std::string cut_path = dir_.File("cut.qgl");
-  for (std::size_t n = 0; n <= full.size(); ++n) {
-    testing::WriteAll(cut_path, std::vector<unsigned char>(full.begin(), full.begin() + n));
-    for (Long kind = 1; kind <= 3; ++kind) {
-      SceneInfo info;
-      const Long r = LocateStream(cut_path, kind, info);
-      if (n < 5) {
-        ASSERT_EQ(r, -2) << n;  // no magic, or version 0 (missing bytes read as zeros)
-      } else {
-        ASSERT_TRUE(r == -1 || r == 0 || r == streams[kind]) << n << " kind " << kind << " " << r;
-      }
-      // Once the GL chunk's header is complete, the stream is found.
-      if (static_cast<Long>(n) >= streams[kind] - 1) {
-        ASSERT_EQ(r, streams[kind]) << n;
-      }
-    }
-  }
 }
 
 TEST(ChunkWalker, ListsTheChainOnceAndSaysHowItEnded) {
