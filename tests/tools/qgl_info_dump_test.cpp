@@ -37,42 +37,23 @@ int Lines(const std::string& s) {
   return static_cast<int>(std::count(s.begin(), s.end(), '\n'));
 }
 
-Bytes Header() {
-  Bytes b;
-  b.Tag("KIVO").L(4).L(0).Tag("TEST").L(0).L(0).L(0).L(0).L(0);
-  return b;
+// The text that nlohmann itself writes for the same document: dump --json
+// writes piece by piece (one record's memory for any stream) and must add up
+// to exactly this.
+std::string Whole(const std::string& streamed) {
+  return nlohmann::json::parse(streamed).dump(2) + "\n";
 }
 
-Bytes& Chunk(Bytes& b, const char* tag, Long view_id, Long body_form, Long next) {
-  return b.Tag(tag).L(view_id).L(0).L(0).L(body_form).L(0).L(0).L(0).L(next);
-}
-
-Long Here(const Bytes& b) {
-  return static_cast<Long>(b.size()) + 1;
-}
-
-// A PI chunk (form 1, default record) and a GL chunk whose body is `stream`.
-Bytes ViewFile(const Bytes& stream, Long kind = 1) {
-  TempDir scratch;
-  const std::string body_path = scratch.File("pi.bin");
-  {
-    auto f = CreateSceneFile(body_path);
-    WriteSceneInfoForm1(*f, SceneInfo{});
-  }
-  const auto body = testing::ReadAll(body_path);
+// A file with one view of `kind` whose GL chunk body is `stream` as it stands.
+std::string SaveView(const TempDir& dir, const Bytes& stream, Long kind = 1) {
+  const std::string path = dir.File("view" + std::to_string(kind) + ".qgl");
+  auto f = CreateSceneFile(path);
+  ContainerWriter w(*f);
+  w.AddInfoChunk(kind, 1, SceneInfo{});
   ViewTags tags{};
   TagsForKind(kind, tags);
-  Bytes b = Header();
-  Chunk(b, tags.pi, 1, 1, Here(b) + 36 + static_cast<Long>(body.size()));
-  b.Raw(body);
-  Chunk(b, tags.gl, 1, 0, Here(b) + 36 + static_cast<Long>(stream.size()));
-  b.Raw(stream.data());
-  return b;
-}
-
-std::string Save(const TempDir& dir, const Bytes& b, const std::string& name = "damaged.qgl") {
-  const std::string path = dir.File(name);
-  testing::WriteAll(path, b.data());
+  w.AddRawChunk(tags.gl, 1, 0, stream.data());
+  w.Finish();
   return path;
 }
 
@@ -146,8 +127,11 @@ TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
 }
 
 TEST(QglDump, ListsEveryRecordOfEachStreamAsTheDecoderSeesIt) {
+  const auto demo = RunQgl("dump --json " + Quoted(QUELO_SOURCE_DIR "/examples/demo.qgl"));
+  EXPECT_EQ(demo.out, Whole(demo.out));
   const auto r = RunQgl("dump --json " + Quoted(kExample));
   ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, Whole(r.out));
   const auto j = r.Json();
   ASSERT_EQ(j["streams"].size(), 3u);
   for (const auto& s : j["streams"]) {
@@ -179,7 +163,9 @@ TEST(QglDump, ListsEveryRecordOfEachStreamAsTheDecoderSeesIt) {
   ASSERT_NE(colour, first.end());
   EXPECT_EQ((*colour)["args"], nlohmann::json::parse("[0.6, 0.6, 0.6]"));
 
-  const auto only = RunQgl("dump --json --kind 2 " + Quoted(kExample)).Json();
+  const auto only_text = RunQgl("dump --json --kind 2 " + Quoted(kExample)).out;
+  EXPECT_EQ(only_text, Whole(only_text));
+  const auto only = nlohmann::json::parse(only_text);
   ASSERT_EQ(only["streams"].size(), 1u);
   EXPECT_EQ(only["streams"][0]["kind"], 2);
   const auto text = RunQgl("dump --kind 3 " + Quoted(kExample));
@@ -198,7 +184,7 @@ TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
   framed.L(4).L(12).S(1).S(2).S(3);
   framed.L(9).L(-4);  // negative length: stop
   framed.L(2).L(0);
-  auto j = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(framed)))).Json();
+  auto j = RunQgl("dump --json " + Quoted(SaveView(dir, framed))).Json();
   auto recs = j["streams"][0]["records"];
   ASSERT_EQ(recs.size(), 5u);
   EXPECT_EQ(recs[0]["action"], "skip");
@@ -213,7 +199,7 @@ TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
 
   Bytes unframed;
   unframed.L(1).L(1).L(15).L(4).S(5).S(6).S(7).L(2).L(0);
-  j = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(unframed, 2)))).Json();
+  j = RunQgl("dump --json " + Quoted(SaveView(dir, unframed, 2))).Json();
   EXPECT_EQ(j["streams"][0]["form"], "unframed");
   recs = j["streams"][0]["records"];
   ASSERT_EQ(recs.size(), 5u);
@@ -222,17 +208,31 @@ TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
   EXPECT_EQ(recs[1]["length"], -1);
   EXPECT_EQ(recs[2]["args"], nlohmann::json::parse("[5, 6, 7]"));
 
-  j = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(Bytes().L(-5).L(2).L(0), 3)))).Json();
+  const auto none = RunQgl("dump --json " + Quoted(SaveView(dir, Bytes().L(-5).L(2).L(0), 3)));
+  EXPECT_EQ(none.out, Whole(none.out));
+  j = none.Json();
   EXPECT_EQ(j["streams"][0]["form"], "none");
   EXPECT_TRUE(j["streams"][0]["records"].empty());
 
+  // No chunks at all: no streams, and the three views still listed.
+  const std::string bare = dir.File("bare.qgl");
+  ContainerWriter(*CreateSceneFile(bare)).Finish();
+  const auto b = RunQgl("dump --json " + Quoted(bare));
+  EXPECT_EQ(b.out, Whole(b.out));
+  EXPECT_TRUE(b.Json()["streams"].empty());
+  EXPECT_EQ(b.Json()["views"].size(), 3u);
+
+  // A run-time error comes after the records read before it.
   Bytes overflow;
-  overflow.Raw(StreamHeadBytes()).L(99).L(std::numeric_limits<Long>::max() - 10);
-  const auto o = RunQgl("dump --json " + Quoted(Save(dir, ViewFile(overflow))));
+  overflow.Raw(StreamHeadBytes()).L(4).L(12).S(1).S(2).S(3);
+  overflow.L(99).L(std::numeric_limits<Long>::max() - 10);
+  const auto o = RunQgl("dump --json " + Quoted(SaveView(dir, overflow)));
   EXPECT_EQ(o.status, 0);
   j = o.Json();
-  EXPECT_EQ(j["streams"][0]["records"].size(), 1u);
+  EXPECT_EQ(j["streams"][0]["records"].size(), 2u);
   EXPECT_EQ(j["streams"][0]["error"]["number"], 6);
+  // "error" is the only key out of nlohmann's sorted order: it is known last.
+  EXPECT_LT(o.out.find("\"records\""), o.out.find("\"error\""));
 }
 
 TEST(ExampleScene, CommittedFileIsWhatTheWriterMakes) {
