@@ -11,6 +11,7 @@
 #include "glctrl/opengl_ctrl.h"
 #include "scenefile/container_writer.h"
 #include "scenefile/record_writer.h"
+#include "support/error_of.h"
 #include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
@@ -78,12 +79,10 @@ TEST_F(SceneList, ViewsAreCompiledInTheOrderTwoOneThree) {
   EXPECT_EQ(state.RenderList, 1);
   EXPECT_EQ(Box(), (RoomBoxValues{1, 3, 1, 3, 1, 3}));
   EXPECT_TRUE(messages.Texts().empty());
-}
-
-TEST_F(SceneList, OnlyAnFcViewReplaysThatViewAlone) {
-  const auto file = WriteScene(dir.File("fc.qgl"), {{1, false, 4}});
-  EXPECT_EQ(Build(file), (Lines{"glGenLists(1)", "glNewList(1, GL_COMPILE)", "glVertex3f(4, 4, 4)",
-                                "glEndList()"}));
+  // A file with only the fc view replays that view alone.
+  const auto fc = WriteScene(dir.File("fc.qgl"), {{1, false, 4}});
+  EXPECT_EQ(Build(fc), (Lines{"glDeleteLists(1, 1)", "glGenLists(1)", "glNewList(1, GL_COMPILE)",
+                              "glVertex3f(4, 4, 4)", "glEndList()"}));
 }
 
 TEST_F(SceneList, StreamsWithoutVerticesGiveTheUnitBox) {
@@ -127,26 +126,20 @@ TEST_F(SceneList, CullingSwitchesPairUpAndCarryOverMissingViews) {
             (Lines{"glGenLists(1)", "glNewList(1, GL_COMPILE)", "glVertex3f(2, 2, 2)",
                    "glEnable(GL_CULL_FACE)", "glVertex3f(1, 1, 1)", "glDisable(GL_CULL_FACE)",
                    "glEnable(GL_CULL_FACE)", "glDisable(GL_CULL_FACE)", "glEndList()"}));
+  // Without the bit anywhere: no switch at all.
+  const auto plain = WriteScene(dir.File("nc.qgl"), {{3, false, 1}});
+  for (const std::string& line : Build(plain)) EXPECT_EQ(line.find("CULL"), std::string::npos);
 }
 
-TEST_F(SceneList, ViewWithoutTheCullingBitHasNoCullingSwitch) {
-  const auto file = WriteScene(dir.File("nc.qgl"), {{3, false, 1}});
-  const Lines lines = Build(file);
-  EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
-                          [](const std::string& l) { return l.find("CULL") != std::string::npos; }),
-            0);
-}
-
-TEST_F(SceneList, NoFileCompilesAnEmptyListAndKeepsTheBox) {
+TEST_F(SceneList, NoFileKeepsTheBoxAndAForeignFileGivesTheUnitBox) {
+  const Lines empty = {"glGenLists(1)", "glNewList(1, GL_COMPILE)", "glEndList()"};
   state.RoomBox = {1, 2, 3, 4, 5, 6};
-  EXPECT_EQ(Build(""), (Lines{"glGenLists(1)", "glNewList(1, GL_COMPILE)", "glEndList()"}));
+  EXPECT_EQ(Build(""), empty);
   EXPECT_EQ(Box(), (RoomBoxValues{1, 2, 3, 4, 5, 6}));
-}
-
-TEST_F(SceneList, ForeignFileShowsAnEmptySceneWithoutAMessage) {
   const auto path = dir.File("foreign.txt");
   testing::WriteAll(path, {'h', 'e', 'l', 'l', 'o', ' ', 'w', 'o', 'r', 'l', 'd', '\n'});
-  EXPECT_EQ(Build(path), (Lines{"glGenLists(1)", "glNewList(1, GL_COMPILE)", "glEndList()"}));
+  state = SceneListState{};
+  EXPECT_EQ(Build(path), empty);
   EXPECT_EQ(Box(), (RoomBoxValues{-1, 1, -1, 1, -1, 1}));
   EXPECT_TRUE(messages.Texts().empty());
 }
@@ -164,12 +157,9 @@ TEST_F(SceneList, ExistingListIsReusedUnlessReloading) {
 
 TEST_F(SceneList, MissingFileRaisesAfterClosingTheList) {
   ScopedTracingGL trace;
-  try {
-    BuildSceneList(ctrl, true, state, dir.File("gone.qgl"), false, false);
-    FAIL() << "expected a file error";
-  } catch (const RuntimeError& e) {
-    EXPECT_EQ(e.number(), kErrFileNotFound);
-  }
+  EXPECT_EQ(testing::ErrorOf(
+                [&] { BuildSceneList(ctrl, true, state, dir.File("gone.qgl"), false, false); }),
+            kErrFileNotFound);
   ASSERT_FALSE(trace.Lines().empty());
   EXPECT_EQ(trace.Lines().back(), "glEndList()");
 }
