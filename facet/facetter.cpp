@@ -8,83 +8,22 @@
 #include "common/runtime_error.h"
 #include "facet/polygon_buffer.h"
 
+#include "facet/facetter.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+
+#include "common/runtime_error.h"
+#include "facet/facet_math.h"
+#include "facet/polygon_buffer.h"
+
 namespace quelo {
 
-std::vector<FacetTriangle> FacetTriangles(1);
-BoundedArray<FacetPoint> FacetPoints(0);
-BoundedArray<Integer> FacetOrder(0);
-BoundedArray<Integer> FacetCornerMap(0);
+using namespace facet_math;
 
 namespace {
-
-// Each arithmetic step is rounded to Single and checked on its own, so a
-// fault is raised at the step that makes it, never passed on as inf or NaN.
-
-// The result of one Single operation; an infinity or NaN raises 6. This is
-// CheckSingle for a result that is already a float, kept inline because the
-// clipper's inner loop is made of little else.
-inline Single Checked(Single v) {
-  if (!std::isfinite(v)) Raise(kErrOverflow);
-  return v;
-}
-// a + b in single precision.
-inline Single Add(Single a, Single b) {
-  return Checked(a + b);
-}
-// a - b in single precision.
-inline Single Sub(Single a, Single b) {
-  return Checked(a - b);
-}
-// a * b in single precision.
-inline Single Mul(Single a, Single b) {
-  return Checked(a * b);
-}
-// a / b in single precision.
-inline Single Div(Single a, Single b) {
-  if (b == 0) Raise(a == 0 ? kErrOverflow : kErrDivisionByZero);
-  return Checked(a / b);
-}
-// Square root in single precision.
-Single Sqrt(Single v) {
-  return SqrtSingle(v);
-}
-
-// The generator of the random in-plane axis: SplitMix64, because every
-// polygon seeds it (twice), and seeding a Mersenne Twister costs more than
-// triangulating a small polygon.
-std::uint64_t random_state = 0;
-
-// Seeds the axis generator.
-void SeedRandom(std::uint32_t seed) {
-  random_state = seed;
-}
-
-// A uniform number in [0, 1) from the top 24 bits of the generator, exact in Single.
-Single Random01() {
-  std::uint64_t z = (random_state += 0x9E3779B97F4A7C15ull);
-  z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-  z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-  z ^= z >> 31;
-  return static_cast<Single>(z >> 40) * (1.0f / 16777216.0f);
-}
-
-// A clock reading to re-seed the axis generator with.
-std::uint32_t ClockSeed() {
-  return static_cast<std::uint32_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-}
-
-// The orientation product of four points: (a - b) x (c - d).
-Single Orientation(const FacetPoint& a, const FacetPoint& b, const FacetPoint& c,
-                   const FacetPoint& d) {
-  const Single left = Mul(Sub(a.x, b.x), Sub(c.y, d.y));
-  const Single right = Mul(Sub(c.x, d.x), Sub(a.y, b.y));
-  return Sub(left, right);
-}
-
-// The 2-D cross product ax * by - ay * bx.
-Single Cross(Single ax, Single ay, Single bx, Single by) {
-  return Sub(Mul(ax, by), Mul(ay, bx));
-}
 
 // Length of the edge a -> b with the squares in double precision, as Single.
 Single EdgeLength(const FacetPoint& a, const FacetPoint& b) {
@@ -95,24 +34,9 @@ Single EdgeLength(const FacetPoint& a, const FacetPoint& b) {
   return CheckSingle(SqrtDouble(CheckDouble(dy2 + dx2)));
 }
 
-// Length of the diagonal a - b, all in single precision.
-Single DiagonalLength(const FacetPoint& a, const FacetPoint& b) {
-  const Single dx = Sub(a.x, b.x);
-  const Single dy = Sub(a.y, b.y);
-  return Sqrt(Add(Mul(dx, dx), Mul(dy, dy)));
-}
-
-// Signed sharpness of corner b on the walk a -> b -> c with edge lengths
-// len_ab and len_bc: the sine of half the turning angle, positive when the
-// walk turns the same way as a polygon whose signed area is `area`.
-Single CornerWeight(const FacetPoint& a, const FacetPoint& b, const FacetPoint& c, Single len_ab,
-                    Single len_bc, Single area) {
-  const int sign = Sgn(Orientation(a, b, b, c)) * Sgn(area);
-  const Single dot = Add(Mul(Sub(b.x, a.x), Sub(c.x, b.x)), Mul(Sub(b.y, a.y), Sub(c.y, b.y)));
-  const Single cosine = Div(dot, Mul(len_ab, len_bc));
-  Single f = Sub(1.0f, cosine);
-  if (f < 0) f = 0;
-  return Mul(Sqrt(Mul(f, 0.5f)), static_cast<Single>(sign));
+// A clock reading to re-seed the axis generator with.
+std::uint32_t ClockSeed() {
+  return static_cast<std::uint32_t>(std::chrono::steady_clock::now().time_since_epoch().count());
 }
 
 // The dot product of corner `corner` of the Single copy q with axis (ax, ay, az).
@@ -120,24 +44,18 @@ Single Dot(const BoundedTable<Single>& q, Long corner, Single ax, Single ay, Sin
   return Add(Add(Mul(q(1, corner), ax), Mul(q(2, corner), ay)), Mul(q(3, corner), az));
 }
 
-// A polygon of two or three corners: one triangle of corners 1, 2, n
-// with all edges on the border.
-void FacetSmallPolygon(Integer n) {
-  FacetTriangle triangle;
-  triangle.corner[0] = FacetCornerMap(FacetOrder(1));
-  triangle.corner[1] = FacetCornerMap(FacetOrder(2));
-  triangle.corner[2] = FacetCornerMap(FacetOrder(n));
-  triangle.edge_flags = 7;
-  FacetTriangles.assign(2, FacetTriangle{});
-  FacetTriangles[1] = triangle;
-}
+}  // namespace
 
-// The working state of one ClipRing run.
-class EarClipper {
+// The working state of one straightforward clipping run: every pass scans
+// the whole ring. Its tables are indexed by ring position and keep their
+// values from pass to pass, also where the corner at a position has changed.
+class StraightforwardClipper {
  public:
   // Prepares the tables for a ring of n corners.
-  EarClipper(BoundedArray<FacetPoint>& ring, Integer n, Single area, Integer& corner_count)
-      : ring_(ring),
+  StraightforwardClipper(Facetter& facetter, BoundedArray<FacetPoint>& ring, Integer n, Single area,
+                         Integer& corner_count)
+      : facetter_(facetter),
+        ring_(ring),
         corner_count_(corner_count),
         size_(n),
         area_(area),
@@ -146,7 +64,7 @@ class EarClipper {
         diagonal_(n),
         candidate_(n, 3) {}
 
-  // Clips until three corners are left, then writes FacetTriangles.
+  // Clips until three corners are left, then writes the triangles.
   void Run() {
     for (;;) {
       ChooseEar();
@@ -261,16 +179,18 @@ class EarClipper {
 
   // Writes the clipped triangles in clipping order, in input corner numbers.
   void WriteTriangles() {
-    FacetTriangles.assign(static_cast<std::size_t>(count_) + 1, FacetTriangle{});
+    auto& triangles = facetter_.triangles_;
+    triangles.assign(static_cast<std::size_t>(count_) + 1, FacetTriangle{});
     for (Long t = 1; t <= count_; ++t) {
-      FacetTriangle& triangle = FacetTriangles[static_cast<std::size_t>(t)];
+      FacetTriangle& triangle = triangles[static_cast<std::size_t>(t)];
       for (Long column = 1; column <= 3; ++column) {
-        triangle.corner[column - 1] = FacetCornerMap(clipped_(t, column));
+        triangle.corner[column - 1] = facetter_.corner_map_(clipped_(t, column));
       }
       triangle.edge_flags = edge_bits_(t);
     }
   }
 
+  Facetter& facetter_;
   BoundedArray<FacetPoint>& ring_;
   Integer& corner_count_;
   Integer size_;  // the current ring size r
@@ -283,10 +203,8 @@ class EarClipper {
   Long count_ = 0;
 };
 
-}  // namespace
-
-Single OrientationProduct(Long a, Long b, Long c, Long d) {
-  return Orientation(FacetPoints(a), FacetPoints(b), FacetPoints(c), FacetPoints(d));
+Single Facetter::OrientationProduct(Long a, Long b, Long c, Long d) const {
+  return Orientation(points_(a), points_(b), points_(c), points_(d));
 }
 
 bool InsideTriangle(const BoundedArray<FacetPoint>& ring, Long a, Long b, Long c, Long d) {
@@ -295,46 +213,30 @@ bool InsideTriangle(const BoundedArray<FacetPoint>& ring, Long a, Long b, Long c
   const FacetPoint& pc = ring(c);
   const FacetPoint& pd = ring(d);
   if (pd.corner == pa.corner || pd.corner == pb.corner || pd.corner == pc.corner) return false;
-  const Single e1x = Sub(pb.x, pa.x);
-  const Single e1y = Sub(pb.y, pa.y);
-  const Single e2x = Sub(pc.x, pa.x);
-  const Single e2y = Sub(pc.y, pa.y);
-  const Single wx = Sub(pd.x, pa.x);
-  const Single wy = Sub(pd.y, pa.y);
-  const Single det = Cross(e1x, e1y, e2x, e2y);
-  if (det != 0) {
-    // d = a + t e1 + s e2; the border (a zero coefficient or s + t = 1) is inside.
-    const Single s = Div(Cross(e1x, e1y, wx, wy), det);
-    const Single t = Div(Cross(wx, wy, e2x, e2y), det);
-    if (s == 0) return 0 <= t && t <= 1;
-    if (s < 0) return false;
-    if (t == 0) return s <= 1;
-    if (t < 0) return false;
-    return Add(s, t) <= 1;
-  }
-  // a, b, c on one line: d must lie on it, between a and b or a and c.
-  if (wx == 0 && wy == 0) return true;
-  if (Cross(e1x, e1y, wx, wy) != 0 || Cross(wx, wy, e2x, e2y) != 0) return false;
-  const Single components[4][2] = {{e1x, wx}, {e1y, wy}, {e2x, wx}, {e2y, wy}};
-  for (const auto& [e, w] : components) {
-    if (e == 0) continue;
-    if (Mul(Sub(e, w), w) >= 0) return true;
-  }
-  return false;
+  return PointInTriangle(pa, pb, pc, pd);
 }
 
-void ProjectOntoPlane(PolygonBuffer& polygon) {
+// A uniform number in [0, 1) from the top 24 bits of the generator, exact in Single.
+Single Facetter::Random01() {
+  std::uint64_t z = (random_state_ += 0x9E3779B97F4A7C15ull);
+  z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+  z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+  z ^= z >> 31;
+  return static_cast<Single>(z >> 40) * (1.0f / 16777216.0f);
+}
+
+void Facetter::ProjectOntoPlane(PolygonBuffer& polygon) {
   TessVertexArray& vertices = polygon.vertices;
   const Integer n = polygon.corner_count;
   for (Long k = 1; k <= 3; ++k) vertices(k, 0) = vertices(k, n);
 
-  FacetOrder.Recreate(n);
-  FacetCornerMap.Recreate(n);
+  order_.Recreate(n);
+  corner_map_.Recreate(n);
   BoundedTable<Single> q(3, n);
   Single nx = 0, ny = 0, nz = 0;
   for (Long i = 0; i <= n; ++i) {
-    FacetOrder(i) = static_cast<Integer>(i);
-    FacetCornerMap(i) = static_cast<Integer>(i);
+    order_(i) = static_cast<Integer>(i);
+    corner_map_(i) = static_cast<Integer>(i);
     for (Long k = 1; k <= 3; ++k) q(k, i) = CheckSingle(vertices(k, i));
     if (i >= 1) {
       // Newell's normal: the sum of P(i) x P(i-1), closed through corner 0.
@@ -369,17 +271,17 @@ void ProjectOntoPlane(PolygonBuffer& polygon) {
   const Single vy = Sub(Mul(uz, nx), Mul(ux, nz));
   const Single vz = Sub(Mul(ux, ny), Mul(uy, nx));
 
-  FacetPoints.Recreate(n);
+  points_.Recreate(n);
   for (Long j = 1; j <= n; ++j) {
-    FacetPoints(j).x = Dot(q, j, ux, uy, uz);
-    FacetPoints(j).y = Dot(q, j, vx, vy, vz);
+    points_(j).x = Dot(q, j, ux, uy, uz);
+    points_(j).y = Dot(q, j, vx, vy, vz);
   }
-  FacetPoints(0) = FacetPoints(n);
+  points_(0) = points_(n);
 }
 
-BoundedArray<FacetPoint> BuildFacetRing(Integer n, Single& area) {
+BoundedArray<FacetPoint> Facetter::BuildRing(Integer n, Single& area) const {
   // The corner k of the ordered polygon.
-  auto point = [](Long k) -> const FacetPoint& { return FacetPoints(FacetOrder(k)); };
+  auto point = [this](Long k) -> const FacetPoint& { return points_(order_(k)); };
 
   area = 0;
   BoundedArray<Single> length(n);
@@ -409,36 +311,70 @@ BoundedArray<FacetPoint> BuildFacetRing(Integer n, Single& area) {
     corner.cut = false;
     // A clockwise ring walks its edges backwards: keep the arriving edge.
     corner.edge_length = area < 0 ? length(i - 1) : length(i);
-    corner.corner = FacetOrder(i);
+    corner.corner = order_(i);
   }
   ring(0) = ring(n);
   return ring;
 }
 
-void ClipRing(BoundedArray<FacetPoint>& ring, Integer n, Single area, Integer& corner_count) {
-  EarClipper clipper(ring, n, area, corner_count);
+void Facetter::ClipRingStraightforward(BoundedArray<FacetPoint>& ring, Integer n, Single area,
+                                       Integer& corner_count) {
+  StraightforwardClipper clipper(*this, ring, n, area, corner_count);
   clipper.Run();
 }
 
-void ClipEars(PolygonBuffer& polygon) {
+void Facetter::ClipEarsStraightforward(PolygonBuffer& polygon) {
   const Integer n = polygon.corner_count;
   Single area = 0;
-  BoundedArray<FacetPoint> ring = BuildFacetRing(n, area);
-  ClipRing(ring, n, area, polygon.corner_count);
+  BoundedArray<FacetPoint> ring = BuildRing(n, area);
+  ClipRingStraightforward(ring, n, area, polygon.corner_count);
 }
 
-void RunFacetter(PolygonBuffer& polygon) {
-  FacetPoints.Recreate(0);
-  FacetOrder.Recreate(0);
-  FacetTriangles.assign(1, FacetTriangle{});
+void Facetter::ClipEars(PolygonBuffer& polygon) {
+  const Integer n = polygon.corner_count;
+  Single area = 0;
+  BoundedArray<FacetPoint> ring = BuildRing(n, area);
+  if (ClipRingFast(ring, n, area, polygon.corner_count)) return;
+  // The straightforward clipper decides: from the same ring, from the start.
+  polygon.corner_count = n;
+  ClearTriangles();
+  ClipRingStraightforward(ring, n, area, polygon.corner_count);
+}
+
+// A polygon of two or three corners: one triangle of corners 1, 2, n
+// with all edges on the border.
+void Facetter::FacetSmallPolygon(Integer n) {
+  FacetTriangle triangle;
+  triangle.corner[0] = corner_map_(order_(1));
+  triangle.corner[1] = corner_map_(order_(2));
+  triangle.corner[2] = corner_map_(order_(n));
+  triangle.edge_flags = 7;
+  triangles_.assign(2, FacetTriangle{});
+  triangles_[1] = triangle;
+}
+
+// Projection and the polygons too small to clip; the rest is left to a clipper.
+void Facetter::Prepare(PolygonBuffer& polygon) {
+  points_.Recreate(0);
+  order_.Recreate(0);
+  ClearTriangles();
   ProjectOntoPlane(polygon);
+}
+
+void Facetter::Run(PolygonBuffer& polygon) {
+  Prepare(polygon);
   const Integer n = polygon.corner_count;
   if (n < 2) return;
-  if (n <= 3) {
-    FacetSmallPolygon(n);
-    return;
-  }
+  if (n <= 3) return FacetSmallPolygon(n);
   ClipEars(polygon);
+}
+
+void Facetter::RunStraightforward(PolygonBuffer& polygon) {
+  Prepare(polygon);
+  const Integer n = polygon.corner_count;
+  if (n < 2) return;
+  if (n <= 3) return FacetSmallPolygon(n);
+  ClipEarsStraightforward(polygon);
 }
 
 }  // namespace quelo

@@ -4,6 +4,8 @@
 // failing statement left behind.
 #include "glctrl/polygon_members.h"
 
+#include <vector>
+
 #include "common/binary_file.h"
 #include "common/colour.h"
 #include "common/messages.h"
@@ -28,18 +30,20 @@ void Statement(F&& statement) {
   }
 }
 
+using Triangles = std::vector<FacetTriangle>;
+
 // The upper bound of the triangle list (entry 0 is never drawn).
-Long TriangleUpper() {
-  return static_cast<Long>(FacetTriangles.size()) - 1;
+Long TriangleUpper(const Triangles& triangles) {
+  return static_cast<Long>(triangles.size()) - 1;
 }
 
 // Corner j (0..2) of triangle i.
-Long CornerOf(Long i, int j) {
-  return FacetTriangles[static_cast<std::size_t>(i)].corner[j];
+Long CornerOf(const Triangles& triangles, Long i, int j) {
+  return triangles[static_cast<std::size_t>(i)].corner[j];
 }
 
-bool EdgeFlagOf(Long i, int j) {
-  return (FacetTriangles[static_cast<std::size_t>(i)].edge_flags & (1 << j)) != 0;
+bool EdgeFlagOf(const Triangles& triangles, Long i, int j) {
+  return (triangles[static_cast<std::size_t>(i)].edge_flags & (1 << j)) != 0;
 }
 
 // GLU tessellator callbacks of SetTessCallbacks.
@@ -100,16 +104,17 @@ void PolygonMembers::EndPoly() {
     Statement([this, k] { buffer_.vertices(k, 0) = buffer_.vertices(k, buffer_.corner_count); });
   }
   vertex_counter_ = 0;
-  Statement([this] { RunFacetter(buffer_); });
+  Statement([this] { facetter_.Run(buffer_); });
+  const Triangles& triangles = facetter_.triangles();
 
   // The triangles, each corner with the edge flag of the edge leaving it.
   gl.glBegin(GL_TRIANGLES);
-  const Long upper = TriangleUpper();
+  const Long upper = TriangleUpper(triangles);
   for (Long i = 1; i <= upper; ++i) {
     for (int j = 0; j < 3; ++j) {
-      gl.glEdgeFlag(EdgeFlagOf(i, j) ? GL_TRUE : GL_FALSE);
-      Statement([this, &gl, i, j] {
-        Long c = CornerOf(i, j);
+      gl.glEdgeFlag(EdgeFlagOf(triangles, i, j) ? GL_TRUE : GL_FALSE);
+      Statement([this, &gl, &triangles, i, j] {
+        Long c = CornerOf(triangles, i, j);
         gl.glVertex3d(buffer_.vertices(1, c), buffer_.vertices(2, c), buffer_.vertices(3, c));
       });
     }
@@ -118,12 +123,12 @@ void PolygonMembers::EndPoly() {
 
   // The marking inside each triangle. centre_ is Single on purpose: the
   // centre is rounded to single precision although the corners are Doubles.
-  auto centre = [this](Long i) {
+  auto centre = [this, &triangles](Long i) {
     for (Long k = 1; k <= 3; ++k) {
-      Statement([this, i, k] {
-        double sum =
-            CheckDouble(buffer_.vertices(k, CornerOf(i, 0)) + buffer_.vertices(k, CornerOf(i, 1)));
-        sum = CheckDouble(sum + buffer_.vertices(k, CornerOf(i, 2)));
+      Statement([this, &triangles, i, k] {
+        double sum = CheckDouble(buffer_.vertices(k, CornerOf(triangles, i, 0)) +
+                                 buffer_.vertices(k, CornerOf(triangles, i, 1)));
+        sum = CheckDouble(sum + buffer_.vertices(k, CornerOf(triangles, i, 2)));
         centre_[k] = CheckSingle(DivDouble(sum, 3.0));
       });
     }
@@ -134,9 +139,9 @@ void PolygonMembers::EndPoly() {
     for (Long i = 1; i <= upper; ++i) {
       centre(i);
       for (int j = 0; j < 3; ++j) {
-        if (with_edge_flags) gl.glEdgeFlag(EdgeFlagOf(i, j) ? GL_TRUE : GL_FALSE);
+        if (with_edge_flags) gl.glEdgeFlag(EdgeFlagOf(triangles, i, j) ? GL_TRUE : GL_FALSE);
         Statement([&] {
-          Long c = CornerOf(i, j);
+          Long c = CornerOf(triangles, i, j);
           auto shrunk = [&](Long k) {
             double twice = CheckDouble(2.0 * buffer_.vertices(k, c));
             return DivDouble(CheckDouble(twice + double{centre_[k]}), 3.0);
@@ -157,7 +162,7 @@ void PolygonMembers::EndPoly() {
       gl.glBegin(GL_LINES);
       for (int j = 0; j < 3; ++j) {
         Statement([&] {
-          Long c = CornerOf(i, j);
+          Long c = CornerOf(triangles, i, j);
           auto halfway = [&](Long k) {
             return DivDouble(CheckDouble(double{centre_[k]} + buffer_.vertices(k, c)), 2.0);
           };

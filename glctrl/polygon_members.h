@@ -9,10 +9,10 @@
 #include <span>
 
 #include "common/numbers.h"
+#include "facet/facetter.h"
 
 namespace quelo {
 
-struct PolygonBuffer;
 struct RecordingSwitches;
 
 // The marking drawn inside each triangle. OpenGL_Ctrl exposes it as its own
@@ -44,6 +44,7 @@ class PolygonMembers {
   const RecordingSwitches& switches_;
   const PolygonMarking& marking_;
   PolygonBuffer& buffer_;
+  Facetter facetter_;
   Integer vertex_counter_ = 0;
   Single centre_[4] = {0, 0, 0, 0};  // indices 1..3 used
 };

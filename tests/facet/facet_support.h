@@ -17,6 +17,12 @@ namespace quelo::testing {
 using Corner3 = std::array<double, 3>;
 using Corner2 = std::array<double, 2>;
 
+// The facetter the tests run and look into.
+inline Facetter& TheFacetter() {
+  static Facetter facetter;
+  return facetter;
+}
+
 // The buffer the tests fill and the facetter reads: the program's shared one,
 // as the polygon members use it.
 inline PolygonBuffer& Buffer() {
@@ -43,32 +49,32 @@ inline void LoadFlatPolygon(const std::vector<Corner2>& corners) {
   LoadPolygon(corners3);
 }
 
-// Sets FacetPoints, FacetOrder, FacetCornerMap and the corner count as the
-// projection would for a polygon that already lies in the x-y plane, so that
-// the clipper sees these exact coordinates (no random axes).
+// Sets TheFacetter().points(), TheFacetter().order(), TheFacetter().corner_map() and the corner
+// count as the projection would for a polygon that already lies in the x-y plane, so that the
+// clipper sees these exact coordinates (no random axes).
 inline void LoadProjected(const std::vector<Corner2>& corners) {
   const auto n = static_cast<Long>(corners.size());
   Buffer().corner_count = static_cast<Integer>(n);
-  FacetPoints.Recreate(n);
-  FacetOrder.Recreate(n);
-  FacetCornerMap.Recreate(n);
+  TheFacetter().points().Recreate(n);
+  TheFacetter().order().Recreate(n);
+  TheFacetter().corner_map().Recreate(n);
   for (Long i = 0; i <= n; ++i) {
-    FacetOrder(i) = static_cast<Integer>(i);
-    FacetCornerMap(i) = static_cast<Integer>(i);
+    TheFacetter().order()(i) = static_cast<Integer>(i);
+    TheFacetter().corner_map()(i) = static_cast<Integer>(i);
   }
   for (Long i = 1; i <= n; ++i) {
-    FacetPoints(i).x = static_cast<Single>(corners[static_cast<std::size_t>(i - 1)][0]);
-    FacetPoints(i).y = static_cast<Single>(corners[static_cast<std::size_t>(i - 1)][1]);
+    TheFacetter().points()(i).x = static_cast<Single>(corners[static_cast<std::size_t>(i - 1)][0]);
+    TheFacetter().points()(i).y = static_cast<Single>(corners[static_cast<std::size_t>(i - 1)][1]);
   }
-  FacetPoints(0) = FacetPoints(n);
-  FacetTriangles.assign(1, FacetTriangle{});
+  TheFacetter().points()(0) = TheFacetter().points()(n);
+  TheFacetter().ClearTriangles();
 }
 
-// FacetTriangles 1..m as "(a,b,c)fF" items separated by spaces.
+// TheFacetter().triangles() 1..m as "(a,b,c)fF" items separated by spaces.
 inline std::string Triangles() {
   std::string text;
-  for (std::size_t t = 1; t < FacetTriangles.size(); ++t) {
-    const FacetTriangle& tri = FacetTriangles[t];
+  for (std::size_t t = 1; t < TheFacetter().triangles().size(); ++t) {
+    const FacetTriangle& tri = TheFacetter().triangles()[t];
     if (!text.empty()) text += ' ';
     text += "(" + std::to_string(tri.corner[0]) + "," + std::to_string(tri.corner[1]) + "," +
             std::to_string(tri.corner[2]) + ")f" + std::to_string(tri.edge_flags);
@@ -94,7 +100,7 @@ inline double RingArea2(const std::vector<Corner2>& ring) {
 
 // Twice the signed area of result triangle t over the 1-based corners of ring.
 inline double TriangleArea2(const std::vector<Corner2>& ring, std::size_t t) {
-  const FacetTriangle& tri = FacetTriangles[t];
+  const FacetTriangle& tri = TheFacetter().triangles()[t];
   auto at = [&](int k) { return ring[static_cast<std::size_t>(tri.corner[k] - 1)]; };
   return Cross2(at(0), at(1), at(2));
 }

@@ -22,6 +22,7 @@ using testing::ErrorOf;
 using testing::LoadFlatPolygon;
 using testing::LoadPolygon;
 using testing::LoadProjected;
+using testing::TheFacetter;
 using testing::Triangles;
 
 // An irregular concave hexagon, corner 4 reflex. Worked out by hand, with
@@ -71,8 +72,8 @@ std::vector<Corner3> Tilted(const std::vector<Corner2>& ring, const Corner3& axi
 // True when some ring corner other than the triangle's own lies strictly
 // inside one of the result triangles.
 bool SomeTriangleHoldsACorner(const std::vector<Corner2>& ring) {
-  for (std::size_t t = 1; t < FacetTriangles.size(); ++t) {
-    const auto& tri = FacetTriangles[t];
+  for (std::size_t t = 1; t < TheFacetter().triangles().size(); ++t) {
+    const auto& tri = TheFacetter().triangles()[t];
     const Corner2& a = ring[static_cast<std::size_t>(tri.corner[0] - 1)];
     const Corner2& b = ring[static_cast<std::size_t>(tri.corner[1] - 1)];
     const Corner2& c = ring[static_cast<std::size_t>(tri.corner[2] - 1)];
@@ -90,7 +91,7 @@ bool SomeTriangleHoldsACorner(const std::vector<Corner2>& ring) {
 void ExpectOrientedCover(const std::vector<Corner2>& ring) {
   const double area = testing::RingArea2(ring);
   double sum = 0;
-  for (std::size_t t = 1; t < FacetTriangles.size(); ++t) {
+  for (std::size_t t = 1; t < TheFacetter().triangles().size(); ++t) {
     const double tri = testing::TriangleArea2(ring, t);
     EXPECT_GE(tri * area, 0) << "triangle " << t << " turns against the polygon";
     sum += std::abs(tri);
@@ -103,27 +104,27 @@ void ExpectOrientedCover(const std::vector<Corner2>& ring) {
 TEST(FacetterSmall, FewerThanTwoCornersGiveNoTriangle) {
   for (const auto& corners : {std::vector<Corner3>{}, std::vector<Corner3>{{1, 2, 3}}}) {
     LoadPolygon(corners);
-    EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), 0);
-    EXPECT_EQ(FacetTriangles.size(), 1u);
+    EXPECT_EQ(ErrorOf([] { TheFacetter().Run(Buffer()); }), 0);
+    EXPECT_EQ(TheFacetter().triangles().size(), 1u);
     EXPECT_EQ(Buffer().corner_count, static_cast<Integer>(corners.size()));
   }
 }
 
 TEST(FacetterSmall, TwoAndThreeCornersGiveOneBorderTriangle) {
   LoadPolygon({{0, 0, 0}, {1, 0, 0}, {0, 1, 1}});
-  RunFacetter(Buffer());
+  TheFacetter().Run(Buffer());
   EXPECT_EQ(Triangles(), "(1,2,3)f7");
   EXPECT_EQ(Buffer().corner_count, 3);
 
   // Two corners: a degenerate triangle whose third corner is the second.
   LoadPolygon({{0, 0, 0}, {1, 0, 0}});
-  RunFacetter(Buffer());
+  TheFacetter().Run(Buffer());
   EXPECT_EQ(Triangles(), "(1,2,2)f7");
   EXPECT_EQ(Buffer().corner_count, 2);
 
   // Three corners on a line have no plane, but need none.
   LoadPolygon({{0, 0, 0}, {1, 1, 1}, {2, 2, 2}});
-  EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), 0);
+  EXPECT_EQ(ErrorOf([] { TheFacetter().Run(Buffer()); }), 0);
   EXPECT_EQ(Triangles(), "(1,2,3)f7");
 }
 
@@ -137,18 +138,18 @@ TEST(FacetterErrors, FourCornersWithoutAPlaneRaiseSubscriptOutOfRange) {
   };
   for (const auto& corners : no_plane) {
     LoadPolygon(corners);
-    EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), kErrSubscript);
-    EXPECT_EQ(FacetTriangles.size(), 1u);  // nothing to draw
-    EXPECT_EQ(FacetPoints.Upper(), 0);
+    EXPECT_EQ(ErrorOf([] { TheFacetter().Run(Buffer()); }), kErrSubscript);
+    EXPECT_EQ(TheFacetter().triangles().size(), 1u);  // nothing to draw
+    EXPECT_EQ(TheFacetter().points().Upper(), 0);
   }
 }
 
 TEST(FacetterErrors, CoordinatesBeyondSinglePrecisionRaiseOverflow) {
   LoadPolygon({{0, 0, 0}, {1e39, 0, 0}, {1, 1, 0}, {0, 1, 0}});  // not a Single at all
-  EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), kErrOverflow);
+  EXPECT_EQ(ErrorOf([] { TheFacetter().Run(Buffer()); }), kErrOverflow);
   LoadPolygon({{0, 0, 0}, {3e19, 0, 0}, {3e19, 3e19, 0}, {0, 3e19, 0}});  // squares overflow
-  EXPECT_EQ(ErrorOf([] { RunFacetter(Buffer()); }), kErrOverflow);
-  EXPECT_EQ(FacetTriangles.size(), 1u);
+  EXPECT_EQ(ErrorOf([] { TheFacetter().Run(Buffer()); }), kErrOverflow);
+  EXPECT_EQ(TheFacetter().triangles().size(), 1u);
 }
 
 TEST(FacetterErrors, PolygonBufferChecksItsBounds) {
@@ -170,50 +171,50 @@ TEST(FacetterErrors, PolygonBufferChecksItsBounds) {
 TEST(FacetterRun, ProjectionKeepsDistancesAndRepeats) {
   const auto corners = Tilted(kHexagon, {0.6, 0, 0.8}, 1.1, {3, -2, 5});
   LoadPolygon(corners);
-  ProjectOntoPlane(Buffer());
-  ASSERT_EQ(FacetPoints.Upper(), 6);
-  EXPECT_EQ(FacetPoints(0).x, FacetPoints(6).x);
-  EXPECT_EQ(FacetPoints(0).y, FacetPoints(6).y);
+  TheFacetter().ProjectOntoPlane(Buffer());
+  ASSERT_EQ(TheFacetter().points().Upper(), 6);
+  EXPECT_EQ(TheFacetter().points()(0).x, TheFacetter().points()(6).x);
+  EXPECT_EQ(TheFacetter().points()(0).y, TheFacetter().points()(6).y);
   for (Long i = 0; i <= 6; ++i) {
-    EXPECT_EQ(FacetOrder(i), i);
-    EXPECT_EQ(FacetCornerMap(i), i);
+    EXPECT_EQ(TheFacetter().order()(i), i);
+    EXPECT_EQ(TheFacetter().corner_map()(i), i);
   }
   for (std::size_t i = 0; i < 6; ++i) {
     for (std::size_t j = i + 1; j < 6; ++j) {
-      const double dx =
-          FacetPoints(static_cast<Long>(i + 1)).x - FacetPoints(static_cast<Long>(j + 1)).x;
-      const double dy =
-          FacetPoints(static_cast<Long>(i + 1)).y - FacetPoints(static_cast<Long>(j + 1)).y;
+      const double dx = TheFacetter().points()(static_cast<Long>(i + 1)).x -
+                        TheFacetter().points()(static_cast<Long>(j + 1)).x;
+      const double dy = TheFacetter().points()(static_cast<Long>(i + 1)).y -
+                        TheFacetter().points()(static_cast<Long>(j + 1)).y;
       const double d2 =
           std::hypot(kHexagon[i][0] - kHexagon[j][0], kHexagon[i][1] - kHexagon[j][1]);
       EXPECT_NEAR(std::hypot(dx, dy), d2, 1e-5 * d2);
     }
   }
   // The axes are seeded with the corner count: the same polygon projects the same.
-  const Single x1 = FacetPoints(1).x;
-  const Single y1 = FacetPoints(1).y;
-  ProjectOntoPlane(Buffer());
-  EXPECT_EQ(FacetPoints(1).x, x1);
-  EXPECT_EQ(FacetPoints(1).y, y1);
+  const Single x1 = TheFacetter().points()(1).x;
+  const Single y1 = TheFacetter().points()(1).y;
+  TheFacetter().ProjectOntoPlane(Buffer());
+  EXPECT_EQ(TheFacetter().points()(1).x, x1);
+  EXPECT_EQ(TheFacetter().points()(1).y, y1);
 }
 
 TEST(FacetterRun, ConvexPolygonHasOnlyConvexCornersAndIsCovered) {
   const std::vector<Corner2> convex = {{0, 0}, {6, -1}, {10, 2}, {9, 6}, {4, 8}, {-1, 4}};
   LoadFlatPolygon(convex);
-  ProjectOntoPlane(Buffer());
+  TheFacetter().ProjectOntoPlane(Buffer());
   Single area = 0;
-  const auto ring = BuildFacetRing(6, area);
+  const auto ring = TheFacetter().BuildRing(6, area);
   EXPECT_GT(area, 0);
   for (Long i = 1; i <= 6; ++i) EXPECT_GT(ring(i).weight, 0) << "corner " << i;
-  RunFacetter(Buffer());
-  EXPECT_EQ(FacetTriangles.size(), 5u);
+  TheFacetter().Run(Buffer());
+  EXPECT_EQ(TheFacetter().triangles().size(), 5u);
   ExpectOrientedCover(convex);
   EXPECT_EQ(Buffer().corner_count, 3);
 }
 
 TEST(FacetterRun, ConcaveHexagonInTheXYPlane) {
   LoadFlatPolygon(kHexagon);
-  RunFacetter(Buffer());
+  TheFacetter().Run(Buffer());
   EXPECT_EQ(Triangles(), kHexagonTriangles);
   EXPECT_EQ(Buffer().corner_count, 3);
   ExpectOrientedCover(kHexagon);
@@ -226,7 +227,7 @@ TEST(FacetterRun, TiltedPlanesGiveTheSameTriangles) {
       {{1, 0, 0}, 0.5}, {{0, 1, 0}, 1.2}, {{s, s, 0}, std::numbers::pi / 2}, {{0.6, 0, 0.8}, 2.5}};
   for (const auto& [axis, angle] : tilts) {
     LoadPolygon(Tilted(kHexagon, axis, angle, {10, -20, 7}));
-    RunFacetter(Buffer());
+    TheFacetter().Run(Buffer());
     EXPECT_EQ(Triangles(), kHexagonTriangles) << "angle " << angle;
     EXPECT_EQ(Buffer().corner_count, 3);
   }
@@ -238,7 +239,7 @@ TEST(FacetterRun, ClockwisePolygonGivesClockwiseTriangles) {
   std::vector<Corner2> clockwise;
   for (const auto& c : kHexagon) clockwise.push_back({-c[0], c[1]});
   LoadFlatPolygon(clockwise);
-  RunFacetter(Buffer());
+  TheFacetter().Run(Buffer());
   EXPECT_EQ(Triangles(), kHexagonTriangles);
   ASSERT_LT(testing::RingArea2(clockwise), 0);
   ExpectOrientedCover(clockwise);
@@ -249,7 +250,7 @@ TEST(FacetterRun, ClockwisePolygonGivesClockwiseTriangles) {
 TEST(FacetterClipper, SquareTiesGoToTheFirstEar) {
   // All four ears score alike (their sharpest corner is 45 degrees).
   LoadProjected({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
-  ClipEars(Buffer());
+  TheFacetter().ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(4,1,2)f3 (4,2,3)f6");
   EXPECT_EQ(Buffer().corner_count, 3);
 }
@@ -259,26 +260,26 @@ TEST(FacetterClipper, RhombusTakesTheEarWithTheLowestScore) {
   // long diagonal 1-3 away from the sharp corners and score 0.788, the ears
   // at 1 and 3 leave 14-degree angles and score 0.993. Of 2 and 4, 2 is first.
   LoadProjected({{4, -1}, {8, 0}, {4, 1}, {0, 0}});
-  ClipEars(Buffer());
+  TheFacetter().ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(1,2,3)f3 (4,1,3)f5");
 }
 
 TEST(FacetterClipper, LShapeNeverClipsItsReflexCorner) {
   LoadProjected(kLShape);
   Single area = 0;
-  const auto ring = BuildFacetRing(6, area);
+  const auto ring = TheFacetter().BuildRing(6, area);
   EXPECT_EQ(area, 6);  // twice the area
   const Single half_right = static_cast<Single>(std::sqrt(0.5));
   for (Long i : {1, 2, 3, 5, 6}) EXPECT_NEAR(ring(i).weight, half_right, 1e-7);
   EXPECT_NEAR(ring(4).weight, -half_right, 1e-7);
   EXPECT_EQ(ring(2).edge_length, 1);  // the edge leaving corner 2
 
-  ClipEars(Buffer());
+  TheFacetter().ClipEars(Buffer());
   EXPECT_EQ(Triangles(), kLShapeTriangles);
   // Corner 4 is clipped by none of the ears; only the last triangle, what
   // is left of the ring, has it in the middle.
-  for (std::size_t t = 1; t + 1 < FacetTriangles.size(); ++t) {
-    EXPECT_NE(FacetTriangles[t].corner[1], 4);
+  for (std::size_t t = 1; t + 1 < TheFacetter().triangles().size(); ++t) {
+    EXPECT_NE(TheFacetter().triangles()[t].corner[1], 4);
   }
   EXPECT_FALSE(SomeTriangleHoldsACorner(kLShape));
   ExpectOrientedCover(kLShape);
@@ -288,14 +289,14 @@ TEST(FacetterClipper, ClockwiseLShapeMirrorsTheCounterClockwiseOne) {
   const auto clockwise = MirroredAtDiagonal(kLShape);
   LoadProjected(clockwise);
   Single area = 0;
-  const auto ring = BuildFacetRing(6, area);
+  const auto ring = TheFacetter().BuildRing(6, area);
   EXPECT_EQ(area, -6);
   EXPECT_NEAR(ring(4).weight, -std::sqrt(0.5), 1e-7);  // still reflex
   // A clockwise ring keeps the length of the edge arriving at each corner.
   EXPECT_EQ(ring(2).edge_length, 2);
   EXPECT_EQ(ring(6).edge_length, 1);
 
-  ClipEars(Buffer());
+  TheFacetter().ClipEars(Buffer());
   EXPECT_EQ(Triangles(), kLShapeTriangles);
   ExpectOrientedCover(clockwise);
 }
@@ -309,8 +310,8 @@ TEST(FacetterClipper, CornerAfterTheNewDiagonalTakesItsNewWeight) {
   const std::vector<Corner2> pentagon = {{-4, 7}, {-5, 5}, {-6, 5}, {-4, -1}, {8, -2}};
   LoadProjected(pentagon);
   Single area = 0;
-  EXPECT_LT(BuildFacetRing(5, area)(2).weight, 0);
-  ClipEars(Buffer());
+  EXPECT_LT(TheFacetter().BuildRing(5, area)(2).weight, 0);
+  TheFacetter().ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(4,5,1)f3 (4,1,2)f2 (4,2,3)f6");
   ExpectOrientedCover(pentagon);
 }
@@ -324,13 +325,13 @@ TEST(FacetterClipper, RepeatedCornerIsNeverAnEar) {
   const std::vector<Corner2> square = {{0, 0}, {1, 0}, {1, 0}, {1, 1}, {0, 1}};
   LoadProjected(square);
   Single area = 0;
-  const auto ring = BuildFacetRing(5, area);
+  const auto ring = TheFacetter().BuildRing(5, area);
   EXPECT_EQ(ring(2).edge_length, 0);
   EXPECT_EQ(ring(2).weight, 0);
   EXPECT_EQ(ring(3).weight, 0);
   EXPECT_GT(ring(1).weight, 0);
 
-  ClipEars(Buffer());
+  TheFacetter().ClipEars(Buffer());
   EXPECT_EQ(Triangles(), "(4,5,1)f3 (4,5,2)f2 (3,1,2)f7");
   EXPECT_EQ(Buffer().corner_count, 3);
   ExpectOrientedCover(square);
@@ -345,11 +346,11 @@ TEST(FacetterClipper, ZeroDiagonalIsClippedAtOnce) {
   const std::vector<Corner2> spiked = {{0, 0}, {4, 0}, {7, 3}, {4, 4}, {2, 6}, {4, 4}};
   LoadProjected(spiked);
   Single area = 0;
-  auto ring = BuildFacetRing(6, area);
+  auto ring = TheFacetter().BuildRing(6, area);
   EXPECT_EQ(ring(5).weight, 0);
   ring(5).weight = 0.5f;
 
-  ClipRing(ring, 6, area, Buffer().corner_count);
+  TheFacetter().ClipRingStraightforward(ring, 6, area, Buffer().corner_count);
   // Pass 2 clips corner 2; pass 3 finds no ear (the double point is on every
   // candidate) and clips position 2, now corner 3, again; corner 1 goes last.
   EXPECT_EQ(Triangles(), "(4,5,6)f3 (1,2,3)f3 (1,3,4)f2 (6,1,4)f1");
@@ -421,9 +422,9 @@ TEST(FacetterInside, FlatTriangleHoldsThePointsBetweenItsEnds) {
 TEST(FacetterInside, OrientationProductOverProjectedPoints) {
   LoadProjected({{1, 2}, {4, 3}, {-2, 5}, {0.5, -1}});
   // (x1 - x2)(y3 - y4) - (x3 - x4)(y1 - y2) = (-3)(6) - (-2.5)(-1)
-  EXPECT_EQ(OrientationProduct(1, 2, 3, 4), -20.5f);
-  EXPECT_EQ(OrientationProduct(0, 4, 1, 2), 0.0f);  // entry 0 repeats entry 4
-  EXPECT_EQ(ErrorOf([] { OrientationProduct(1, 2, 3, 5); }), kErrSubscript);
+  EXPECT_EQ(TheFacetter().OrientationProduct(1, 2, 3, 4), -20.5f);
+  EXPECT_EQ(TheFacetter().OrientationProduct(0, 4, 1, 2), 0.0f);  // entry 0 repeats entry 4
+  EXPECT_EQ(ErrorOf([] { TheFacetter().OrientationProduct(1, 2, 3, 5); }), kErrSubscript);
 }
 
 }  // namespace

@@ -27,6 +27,7 @@ namespace {
 
 using testing::Buffer;
 using testing::Corner2;
+using testing::TheFacetter;
 
 const char kFixtureDir[] = QUELO_SOURCE_DIR "/tests/data/polygons/earcut-fixtures";
 
@@ -104,13 +105,13 @@ bool IsSimple(const std::vector<Corner2>& ring) {
 // Runs the facetter on a flat ring; returns the run-time error number or 0.
 int Facet(const std::vector<Corner2>& ring) {
   testing::LoadFlatPolygon(ring);
-  return testing::ErrorOf([] { RunFacetter(Buffer()); });
+  return testing::ErrorOf([] { TheFacetter().Run(Buffer()); });
 }
 
 // Every result triangle names corners of the ring.
 void ExpectCornersInRange(std::size_t n) {
-  for (std::size_t t = 1; t < FacetTriangles.size(); ++t) {
-    for (Long corner : FacetTriangles[t].corner) {
+  for (std::size_t t = 1; t < TheFacetter().triangles().size(); ++t) {
+    for (Long corner : TheFacetter().triangles()[t].corner) {
       EXPECT_GE(corner, 1);
       EXPECT_LE(corner, static_cast<Long>(n));
     }
@@ -133,12 +134,12 @@ TEST_P(EarcutFixture, OuterRing) {
       EXPECT_EQ(Buffer().corner_count, 3);
     }
     if (n >= 3) {
-      ASSERT_EQ(FacetTriangles.size() - 1, n - 2);
+      ASSERT_EQ(TheFacetter().triangles().size() - 1, n - 2);
       // Covered once, every triangle turning like the ring; the triangles'
       // corners are the ring's own, so only double rounding remains.
       const double area = testing::RingArea2(ring);
       double sum = 0;
-      for (std::size_t t = 1; t < FacetTriangles.size(); ++t) {
+      for (std::size_t t = 1; t < TheFacetter().triangles().size(); ++t) {
         const double tri = testing::TriangleArea2(ring, t);
         EXPECT_GE(tri * area, 0) << "triangle " << t << " turns against the ring";
         sum += std::abs(tri);
@@ -146,8 +147,8 @@ TEST_P(EarcutFixture, OuterRing) {
       EXPECT_NEAR(sum, std::abs(area), 1e-7 * std::abs(area));
       // The flagged edges are the ring's edges, each once.
       std::map<std::pair<Long, Long>, int> flagged;
-      for (std::size_t t = 1; t < FacetTriangles.size(); ++t) {
-        const auto& tri = FacetTriangles[t];
+      for (std::size_t t = 1; t < TheFacetter().triangles().size(); ++t) {
+        const auto& tri = TheFacetter().triangles()[t];
         for (int k = 0; k < 3; ++k) {
           if (tri.edge_flags & (1 << k)) ++flagged[{tri.corner[k], tri.corner[(k + 1) % 3]}];
         }
