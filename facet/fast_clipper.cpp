@@ -10,10 +10,10 @@
 // - "does a ring point lie in this triangle" is asked of a grid, near the
 //   triangle only, with a margin that covers the rounding of the inside test;
 // - the best ear comes from a heap ordered by score, then corner.
-// A pass without an ear clips again at the position chosen last, with the
-// diagonal and candidate weights that the straightforward clipper's tables
-// hold there by then. Where it would take another path (a zero diagonal, no
-// ear in the first pass, a position past the ring's end, an arithmetic fault,
+// A last pass without a convex corner clips again at the position chosen
+// last, with the values that the straightforward clipper's tables hold there.
+// Where it would take another path (a zero diagonal, a pass without an ear,
+// a position past the ring's end, an arithmetic fault,
 // coordinates so large or triangles so thin that the margin cannot be vouched
 // for) this one gives up, and the straightforward clipper runs from the start.
 #include <algorithm>
@@ -251,7 +251,7 @@ class FastClipper {
       chosen_candidate0_ = C(b).candidate0;
       chosen_candidate3_ = C(b).candidate3;
     } else {
-      b = StaleChoice();
+      throw Decline{};  // a pass without an ear: see StaleChoice
     }
     Corner& cb = C(b);
     const int p = cb.prev, q = cb.next;
@@ -288,7 +288,9 @@ class FastClipper {
   }
 
   // A pass without an ear clips the position chosen last once more: the
-  // corner there now, with the tables as that pass leaves them.
+  // corner there now, with the tables as that pass leaves them. Used for the
+  // last pass only: between passes with ears, the tables' diagonal at that
+  // position is not yet followed exactly, and such passes decline.
   int StaleChoice() {
     if (chosen_rank_ < 1 || chosen_rank_ > size_) throw Decline{};
     const int b = AtRank(chosen_rank_);
