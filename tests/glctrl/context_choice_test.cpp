@@ -1,12 +1,10 @@
 // The control's context members on made-up format tables: the choice of the
-// index with and without KIVOhogl.ini, the descriptor handed to the surface,
-// the palette, and the context lifecycle.
+// format with and without KIVOhogl.ini, the palette and the context lifecycle.
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <vector>
 
-#include "common/runtime_error.h"
 #include "glctrl/opengl_ctrl.h"
 #include "glctrl/pixel_format.h"
 #include "support/bytes.h"
@@ -22,11 +20,17 @@ using testing::WriteAll;
 
 constexpr std::uint32_t kWin = FakeSurface::kWindowGL;  // window, OpenGL, double
 constexpr std::uint32_t kGeneric = PFD_GENERIC_FORMAT;
-constexpr std::uint32_t kAccel = PFD_GENERIC_FORMAT | PFD_GENERIC_ACCELERATED;
 
 PIXELFORMATDESCRIPTOR F(std::uint32_t flags, int colour = 24, int depth = 24) {
   return FakeSurface::Format(flags, colour, depth);
 }
+// Plain generic, generic accelerated, hardware (no generic bit), single-buffered,
+// without a window, for bitmaps only.
+const PIXELFORMATDESCRIPTOR kPlain = F(kWin | kGeneric),
+                            kAccel = F(kWin | kGeneric | PFD_GENERIC_ACCELERATED), kIcd = F(kWin),
+                            kSingle = F((kWin & ~PFD_DOUBLEBUFFER) | kGeneric),
+                            kNoWindow = F((kWin & ~PFD_DRAW_TO_WINDOW) | kGeneric),
+                            kBitmap = F(PFD_DRAW_TO_BITMAP | kGeneric);
 
 bool SameDescriptor(const PIXELFORMATDESCRIPTOR& a, const PIXELFORMATDESCRIPTOR& b) {
   return std::memcmp(&a, &b, sizeof a) == 0;
@@ -38,30 +42,16 @@ class ChoiceTest : public ::testing::Test {
   void Settings(const std::vector<unsigned char>& bytes) {
     WriteAll(dir.File("KIVOhogl.ini"), bytes);
   }
-  Long Choose(std::vector<PIXELFORMATDESCRIPTOR> table) {
-    FakeSurface surface(std::move(table));
-    return ctrl.prv_ChoosePixelFormat(surface);
-  }
 
   TempDir dir;
   OpenGL_Ctrl ctrl;
-  // 1 single-buffered generic, 2 hardware (no generic bit), 3 plain generic,
-  // 4 generic accelerated, 5 plain generic, 6 generic that cannot draw to a
-  // window, 7 plain generic.
-  std::vector<PIXELFORMATDESCRIPTOR> mixed = {F((kWin & ~PFD_DOUBLEBUFFER) | kGeneric),
-                                              F(kWin),
-                                              F(kWin | kGeneric),
-                                              F(kWin | kAccel),
-                                              F(kWin | kGeneric),
-                                              F((kWin & ~PFD_DRAW_TO_WINDOW) | kGeneric),
-                                              F(kWin | kGeneric)};
+  std::vector<PIXELFORMATDESCRIPTOR> mixed = {kSingle, kIcd,      kPlain, kAccel,
+                                              kPlain,  kNoWindow, kPlain};
 };
 
 // The choice rules, each a row: the settings file (none when empty), the
 // formats, and the index chosen.
 TEST_F(ChoiceTest, ChoiceRules) {
-  using Table = std::vector<PIXELFORMATDESCRIPTOR>;
-  const Table all_plain = {F(kWin | kGeneric), F(kWin | kGeneric), F(kWin | kGeneric)};
   auto file = [](Long prefer, Long index) { return testing::Bytes().L(prefer).L(index).data(); };
   auto cut = [](std::vector<unsigned char> bytes, std::size_t size) {
     bytes.resize(size);
@@ -70,41 +60,25 @@ TEST_F(ChoiceTest, ChoiceRules) {
   struct Row {
     const char* rule;
     std::vector<unsigned char> settings;
-    Table formats;
+    std::vector<PIXELFORMATDESCRIPTOR> formats;
     Long chosen;
   };
   const Row rows[] = {
       {"no file: first plain generic, even when hardware exists", {}, mixed, 3},
       {"prefer: an installable client driver", file(-1, 0), mixed, 2},
-      {"prefer: generic accelerated",
-       file(-1, 0),
-       {F(kWin | kGeneric), F(kWin | kAccel), F(kWin)},
-       2},
-      {"prefer, nothing accelerated: first plain generic",
-       file(-1, 0),
-       {F(kWin & ~PFD_DOUBLEBUFFER), F(kWin | kGeneric), F(kWin | kGeneric)},
-       2},
-      {"prefer, no window format: one",
-       file(-1, 0),
-       {F(PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER), F(PFD_DRAW_TO_BITMAP | kGeneric)},
-       1},
-      {"a fallback must lie below the count",
-       file(-1, 0),
-       {F(kGeneric), F(PFD_DRAW_TO_BITMAP), F(kWin | kGeneric)},
-       1},
+      {"prefer: generic accelerated", file(-1, 0), {kPlain, kAccel, kIcd}, 2},
+      {"prefer, nothing accelerated: first plain", file(-1, 0), {kSingle, kPlain, kPlain}, 2},
+      {"prefer, no window format: one", file(-1, 0), {kNoWindow, kBitmap}, 1},
+      {"a fallback must lie below the count", file(-1, 0), {kSingle, kBitmap, kPlain}, 1},
       {"only -1 means prefer: 1", file(1, 0), mixed, 3},
       {"only -1 means prefer: -2", file(-2, 0), mixed, 3},
-      {"index below the count, even without window support", file(0, 6), mixed, 6},
+      {"index below the count, even without a window", file(0, 6), mixed, 6},
       {"index below the count, preference not asked", file(-1, 1), mixed, 1},
       {"index equal to the count is ignored", file(0, 7), mixed, 3},
       {"index beyond the count is ignored", file(0, 70), mixed, 3},
-      {"an ignored index is still the fallback, and not below the count", file(-1, 3), all_plain,
-       1},
+      {"ignored index: the fallback, if below count", file(-1, 3), {kSingle, kPlain, kSingle}, 1},
       {"negative index: the walk finds a plain generic first", file(0, -3), mixed, 3},
-      {"negative index: nothing plain, the fallback as it stands",
-       file(0, -3),
-       {F(kWin), F(kWin)},
-       -3},
+      {"negative index: nothing plain, the fallback as it is", file(0, -3), {kIcd, kIcd}, -3},
       {"three bytes count as none", cut(file(-1, 6), 3), mixed, 3},
       {"seven bytes: the index is not read from part of it", cut(file(-1, 6), 7), mixed, 2},
       {"longer files: the first two Longs", testing::Bytes().L(0).L(6).L(5).L(-1).data(), mixed, 6},
@@ -115,40 +89,25 @@ TEST_F(ChoiceTest, ChoiceRules) {
     SCOPED_TRACE(row.rule);
     std::filesystem::remove(dir.File("KIVOhogl.ini"));
     if (!row.settings.empty()) Settings(row.settings);
-    EXPECT_EQ(Choose(row.formats), row.chosen);
+    FakeSurface surface(row.formats);
+    EXPECT_EQ(ctrl.prv_ChoosePixelFormat(surface), row.chosen);
   }
 }
 
-TEST_F(ChoiceTest, UnreadableSettingsFileIsReportedBySetDCPixelFormat) {
-  std::filesystem::create_directory(dir.File("KIVOhogl.ini"));
-  FakeSurface surface(mixed);
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
+TEST_F(ChoiceTest, SetDCPixelFormatSetsTheChosenIndexWithTheLastDescriptorRead) {
+  FakeSurface walked(mixed), pinned(mixed);
+  ctrl.ExtHDC(&walked);
   ctrl.SetDCPixelFormat();
-  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in SetDCPixelFormat"});
-  EXPECT_EQ(surface.GetPixelFormat(), 0);
-}
-
-// ---- SetDCPixelFormat --------------------------------------------------------
-
-TEST_F(ChoiceTest, TheChosenDescriptorReplacesTheOneBuiltFromProperties) {
-  FakeSurface surface(mixed);
-  ctrl.ExtHDC(&surface);
-  ctrl.SetDCPixelFormat();
-  ASSERT_EQ(surface.log, std::vector<std::string>{"SetPixelFormat(3)"});
-  EXPECT_TRUE(SameDescriptor(surface.set_descriptors[0], mixed[2]));
-  EXPECT_EQ(surface.GetPixelFormat(), 3);
-}
-
-TEST_F(ChoiceTest, PinnedIndexIsSetWithTheDescriptorOfFormatOne) {
-  // The buffer holds what the choice read last: format 1 when it stops early.
+  ASSERT_EQ(walked.log, std::vector<std::string>{"SetPixelFormat(3)"});
+  EXPECT_TRUE(SameDescriptor(walked.set_descriptors[0], mixed[2]));
+  EXPECT_EQ(walked.GetPixelFormat(), 3);
+  // A pinned index stops the choice early, after reading format 1.
   Settings(testing::Bytes().L(0).L(5).data());
-  FakeSurface surface(mixed);
-  ctrl.ExtHDC(&surface);
+  ctrl.ExtHDC(&pinned);
   ctrl.SetDCPixelFormat();
-  EXPECT_EQ(surface.GetPixelFormat(), 5);
-  ASSERT_EQ(surface.set_descriptors.size(), 1u);
-  EXPECT_TRUE(SameDescriptor(surface.set_descriptors[0], mixed[0]));
+  EXPECT_EQ(pinned.GetPixelFormat(), 5);
+  ASSERT_EQ(pinned.set_descriptors.size(), 1u);
+  EXPECT_TRUE(SameDescriptor(pinned.set_descriptors[0], mixed[0]));
 }
 
 TEST_F(ChoiceTest, PaletteOf332FormatIsBuiltSelectedAndRealised) {
@@ -169,61 +128,25 @@ TEST_F(ChoiceTest, PaletteOf332FormatIsBuiltSelectedAndRealised) {
     return std::vector<int>{e.peRed, e.peGreen, e.peBlue, e.peFlags};
   };
   EXPECT_EQ(rgb(255), (std::vector<int>{255, 255, 255, 0}));
-  EXPECT_EQ(rgb(1), (std::vector<int>{36, 0, 0, 0}));
-  EXPECT_EQ(rgb(8), (std::vector<int>{0, 36, 0, 0}));
-  EXPECT_EQ(rgb(64), (std::vector<int>{0, 0, 85, 0}));
-  EXPECT_EQ(rgb(0x92), (std::vector<int>{72, 72, 170, 0}));
+  EXPECT_EQ(rgb(0x92),
+            (std::vector<int>{72, 72, 170, 0}));  // red 2 of 7, green 2 of 7, blue 2 of 3
 }
 
-// ---- InitRC and the lifecycle ------------------------------------------------
-
-TEST_F(ChoiceTest, InitRCTwiceKeepsOneContextAndHglRCStaysZero) {
-  FakeSurface surface(mixed);
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
-  EXPECT_EQ(ctrl.hglRC(), 0);
-  EXPECT_TRUE(ctrl.InitRC());
-  EXPECT_TRUE(ctrl.InitRC());
-  EXPECT_TRUE(messages.Texts().empty());
-  EXPECT_EQ(surface.contexts_made, 1);
-  EXPECT_EQ(CurrentSurface(), &surface);
-  EXPECT_EQ(ctrl.hglRC(), 0);
-  EXPECT_EQ(surface.log,
-            (std::vector<std::string>{"SetPixelFormat(3)", "CreateContext()", "MakeCurrent(1)",
-                                      "SetPixelFormat(3)", "MakeCurrent(1)"}));
-  EXPECT_EQ(ctrl.auxShutDown(), 0);
-  EXPECT_EQ(surface.contexts_alive(), 0);
-}
-
-TEST_F(ChoiceTest, ContextThatCannotBeMadeShowsMessageAndReturnsEmpty) {
-  FakeSurface surface(mixed);
-  surface.fail_create_context = true;
-  ctrl.ExtHDC(&surface);
-  ScopedRecordedMessages messages;
-  EXPECT_FALSE(ctrl.InitRC());
-  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Cannot Create Context"});
-  EXPECT_EQ(messages.boxes().entries.at(0).title, "");
-  surface.fail_create_context = false;
-  EXPECT_TRUE(ctrl.InitRC());  // no context was kept, so it is tried again
-  EXPECT_EQ(surface.contexts_made, 1);
-  ctrl.auxShutDown();
-}
-
-TEST_F(ChoiceTest, NoSurfaceGivesBothMessagesAndNoCrash) {
-  ScopedRecordedMessages messages;
-  EXPECT_FALSE(ctrl.InitRC());
-  EXPECT_EQ(messages.Texts(),
-            (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
-}
-
-TEST_F(ChoiceTest, MakeCurrentActsOnlyWhenAnotherSurfaceIsCurrent) {
+TEST_F(ChoiceTest, ContextIsMadeOnceAndFollowsTheSurface) {
   FakeSurface first(mixed), second(mixed);
   ctrl.ExtHDC(&first);
-  ASSERT_TRUE(ctrl.InitRC());
-  first.log.clear();
-  ctrl.auxMakeCurrent();
-  EXPECT_TRUE(first.log.empty());  // already current
+  ScopedRecordedMessages messages;
+  EXPECT_TRUE(ctrl.InitRC());
+  EXPECT_TRUE(ctrl.InitRC());
+  ctrl.auxMakeCurrent();  // already current: nothing
+  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_EQ(first.log,
+            (std::vector<std::string>{"SetPixelFormat(3)", "CreateContext()", "MakeCurrent(1)",
+                                      "SetPixelFormat(3)", "MakeCurrent(1)"}));
+  EXPECT_EQ(CurrentSurface(), &first);
+  EXPECT_EQ(ctrl.hglRC(), 0);
 
+  first.log.clear();
   ctrl.auxMakeNoneCurrent();
   EXPECT_EQ(CurrentSurface(), nullptr);
   ctrl.auxMakeCurrent();
@@ -245,7 +168,31 @@ TEST_F(ChoiceTest, MakeCurrentActsOnlyWhenAnotherSurfaceIsCurrent) {
   EXPECT_EQ(first.contexts_alive(), 0);
 }
 
-// ---- The order of the format list ---------------------------------------------
+TEST_F(ChoiceTest, FailuresShowTheirMessageAndKeepNothing) {
+  ScopedRecordedMessages messages;
+  EXPECT_FALSE(ctrl.InitRC());  // no surface
+  EXPECT_EQ(messages.Texts(),
+            (std::vector<std::string>{"Error in SetDCPixelFormat", "Cannot Create Context"}));
+  messages.boxes().entries.clear();
+  FakeSurface surface(mixed);
+  surface.fail_create_context = true;
+  ctrl.ExtHDC(&surface);
+  EXPECT_FALSE(ctrl.InitRC());
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Cannot Create Context"});
+  EXPECT_EQ(messages.boxes().entries.at(0).title, "");
+  surface.fail_create_context = false;
+  EXPECT_TRUE(ctrl.InitRC());  // no context was kept, so it is tried again
+  EXPECT_EQ(surface.contexts_made, 1);
+  ctrl.auxShutDown();
+
+  messages.boxes().entries.clear();
+  std::filesystem::create_directory(dir.File("KIVOhogl.ini"));  // unreadable
+  FakeSurface unset(mixed);
+  ctrl.ExtHDC(&unset);
+  ctrl.SetDCPixelFormat();
+  EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Error in SetDCPixelFormat"});
+  EXPECT_EQ(unset.GetPixelFormat(), 0);
+}
 
 FormatCandidate Candidate(int r, int g, int b, int depth, bool doubled, int samples = 0,
                           bool slow = false, int native = 0) {
