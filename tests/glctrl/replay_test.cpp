@@ -1,8 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
-
-#include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -10,94 +9,54 @@
 #include "glctrl/gl_dispatch.h"
 #include "glctrl/opengl_ctrl.h"
 #include "support/bytes.h"
+#include "support/error_of.h"
 #include "support/recorded_messages.h"
 #include "support/temp_dir.h"
 
 namespace quelo {
 namespace {
 
+using Box = std::array<Single, 6>;  // x min, x max, y min, y max, z min, z max
+using Lines = std::vector<std::string>;
+using testing::ErrorOf;
 using testing::StreamBuilder;
-using testing::TempDir;
 
 class Replay : public ::testing::Test {
  protected:
   // Replays the file from position 1 with a box started at extreme values.
-  std::vector<std::string> Play(const std::string& file, OpenGL_Ctrl& c) {
+  Lines Play() {
     ScopedTracingGL trace;
-    c.FileOpen(file);
-    for (Long id : disabled) c.auxBlockEnabled(id, false);
-    c.FileGoto(1);
-    ResetBox(c);
-    try {
-      c.FileReadToGL();
-    } catch (...) {
-      c.FileClose();
-      throw;
-    }
-    c.FileClose();
+    ctrl.FileOpen(path);
+    for (Long id : disabled) ctrl.auxBlockEnabled(id, false);
+    ctrl.FileGoto(1);
+    ctrl.FileCoord_xMin = ctrl.FileCoord_yMin = ctrl.FileCoord_zMin = 1e38f;
+    ctrl.FileCoord_xMax = ctrl.FileCoord_yMax = ctrl.FileCoord_zMax = -1e38f;
+    ctrl.FileReadToGL();
+    ctrl.FileClose();
     return trace.Lines();
   }
-  static void ResetBox(OpenGL_Ctrl& c) {
-    c.FileCoord_xMin = c.FileCoord_yMin = c.FileCoord_zMin = 1e38f;
-    c.FileCoord_xMax = c.FileCoord_yMax = c.FileCoord_zMax = -1e38f;
+  Box PlayedBox() const {
+    return {ctrl.FileCoord_xMin, ctrl.FileCoord_xMax, ctrl.FileCoord_yMin,
+            ctrl.FileCoord_yMax, ctrl.FileCoord_zMin, ctrl.FileCoord_zMax};
   }
-  static bool BoxUntouched(const OpenGL_Ctrl& c) {
-    return c.FileCoord_xMin == 1e38f && c.FileCoord_xMax == -1e38f;
-  }
-  // x min, x max, y min, y max, z min, z max.
-  static std::array<Single, 6> Box(const OpenGL_Ctrl& c) {
-    return {c.FileCoord_xMin, c.FileCoord_xMax, c.FileCoord_yMin,
-            c.FileCoord_yMax, c.FileCoord_zMin, c.FileCoord_zMax};
-  }
+  void TearDown() override { Files().CloseAll(); }
 
-  TempDir dir;
+  testing::TempDir dir;
   std::string path = dir.File("s.bin");
   std::vector<Long> disabled;
   OpenGL_Ctrl ctrl;
 };
 
-using Lines = std::vector<std::string>;
-
-TEST_F(Replay, DisabledBlockDrawsNothingAndLeavesTheBoxAlone) {
-  {
-    StreamBuilder s(path);
-    s.Head();
-    WriteBlockBeginRecord(s.f(), 7);
-    WriteVertex3fRecord(s.f(), 1, 2, 3);
-    WriteBlockEndRecord(s.f(), 7);
-    WriteEndOfSeqRecord(s.f());
-  }
-  disabled = {7};
-  EXPECT_EQ(Play(path, ctrl), Lines{});
-  EXPECT_TRUE(BoxUntouched(ctrl));
-
-  disabled.clear();
-  EXPECT_EQ(Play(path, ctrl), Lines{"glVertex3f(1, 2, 3)"});
-  EXPECT_EQ(Box(ctrl), (std::array<Single, 6>{1, 1, 2, 2, 3, 3}));
-}
-
-TEST_F(Replay, NormalsPassInsideDisabledBlocksColoursDoNot) {
-  {
-    StreamBuilder s(path);
-    s.Head();
-    WriteBlockBeginRecord(s.f(), 1);
-    WriteColor3fRecord(s.f(), 1, 0, 0);
-    WriteColorLongRecord(s.f(), 0xFF);
-    WriteNormal3fRecord(s.f(), 0, 0, 1);
-    WriteBlockEndRecord(s.f(), 1);
-    WriteEndOfSeqRecord(s.f());
-  }
-  disabled = {1};
-  EXPECT_EQ(Play(path, ctrl), Lines{"glNormal3f(0, 0, 1)"});
-}
-
-TEST_F(Replay, BlocksNestByEnableStateAlone) {
+TEST_F(Replay, DisabledBlocksNestByEnableStateAloneAndLetOnlyNormalsThrough) {
   {
     StreamBuilder s(path);
     s.Head();
     WriteBlockEndRecord(s.f(), 9);  // no open block: depth stays 0
     WriteBlockBeginRecord(s.f(), 9);
     WriteVertex3fRecord(s.f(), 1, 0, 0);
+    WriteColor3fRecord(s.f(), 1, 0, 0);
+    WriteColorLongRecord(s.f(), 0xFF);
+    WriteNormal3fRecord(s.f(), 0, 0, 1);
     WriteBlockBeginRecord(s.f(), 4);  // enabled inside disabled: still skipped
     WriteVertex3fRecord(s.f(), 2, 0, 0);
     WriteBlockBeginRecord(s.f(), 8);  // disabled inside disabled: one deeper
@@ -106,12 +65,18 @@ TEST_F(Replay, BlocksNestByEnableStateAlone) {
     WriteBlockEndRecord(s.f(), 8);
     WriteVertex3fRecord(s.f(), 4, 0, 0);
     WriteBlockEndRecord(s.f(), 9);
-    WriteVertex3fRecord(s.f(), 5, 0, 0);
+    WriteVertex3fRecord(s.f(), 5, -1, 2);
     WriteEndOfSeqRecord(s.f());
   }
   disabled = {9, 8};
-  EXPECT_EQ(Play(path, ctrl), Lines{"glVertex3f(5, 0, 0)"});
-  EXPECT_EQ(ctrl.FileCoord_xMin, 5.0f);
+  EXPECT_EQ(Play(), (Lines{"glNormal3f(0, 0, 1)", "glVertex3f(5, -1, 2)"}));
+  EXPECT_EQ(PlayedBox(), (Box{5, 5, -1, -1, 2, 2}));
+
+  disabled.clear();
+  EXPECT_EQ(Play(), (Lines{"glVertex3f(1, 0, 0)", "glColor3f(1, 0, 0)", "glColor3f(1, 0, 0)",
+                           "glNormal3f(0, 0, 1)", "glVertex3f(2, 0, 0)", "glVertex3f(3, 0, 0)",
+                           "glVertex3f(4, 0, 0)", "glVertex3f(5, -1, 2)"}));
+  EXPECT_EQ(PlayedBox(), (Box{1, 5, -1, 0, 0, 2}));
 }
 
 TEST(BlockSwitches, EnablingKeepsTheLopsidedRemoval) {
@@ -133,31 +98,13 @@ TEST(BlockSwitches, EnablingKeepsTheLopsidedRemoval) {
   EXPECT_EQ(c.DisabledBlocks().size(), 2u);
 }
 
-TEST_F(Replay, StreamHeadAloneDrawsTheUnknownPictureOnlyForOldReaders) {
-  {
-    StreamBuilder s(path);
-    s.Head();
-    WriteEndOfSeqRecord(s.f());
-  }
-  EXPECT_EQ(Play(path, ctrl), Lines{});
-  EXPECT_TRUE(BoxUntouched(ctrl));
-}
-
 TEST_F(Replay, PolygonCountBeyondSixteenBitsIsAnOverflow) {
-  {
-    StreamBuilder s(path);
-    s.Head();
-    s.Longs({11, 4, 40000});
-  }
-  try {
-    Play(path, ctrl);
-    FAIL() << "expected an overflow";
-  } catch (const RuntimeError& e) {
-    EXPECT_EQ(e.number(), kErrOverflow);
-  }
+  StreamBuilder(path).Head().Longs({11, 4, 40000});
+  EXPECT_EQ(ErrorOf([&] { Play(); }), kErrOverflow);
 }
 
-TEST_F(Replay, DontSendToGLWalksAndMeasuresWithoutDrawing) {
+// Lines, then a polygon with a 3dv corner: measured alike whether drawn or not.
+TEST_F(Replay, PolygonsAreTriangulatedAndAllCornersMeasuredWithOrWithoutGl) {
   {
     StreamBuilder s(path);
     s.Head();
@@ -165,41 +112,32 @@ TEST_F(Replay, DontSendToGLWalksAndMeasuresWithoutDrawing) {
     WriteVertex3fRecord(s.f(), -1, 5, 2);
     WriteVertex3fRecord(s.f(), 3, -5, 0);
     WriteEndRecord(s.f());
-    WriteTessBeginPolyRecord(s.f(), 3);
-    WriteTessVector3dRecord(s.f(), 0, 0, 0);
-    WriteTessVector3dRecord(s.f(), 10, 0, 0);
-    WriteTessVector3dvRecord(s.f(), 0, 0, 1e-40);  // rounds to a Single subnormal
-    WriteTessEndPolyRecord(s.f());
-    WriteEndOfSeqRecord(s.f());
-  }
-  ctrl.DontSendToGL = true;
-  EXPECT_EQ(Play(path, ctrl), Lines{});
-  EXPECT_EQ(Box(ctrl), (std::array<Single, 6>{-1, 10, -5, 5, 0, 2}));
-}
-
-TEST_F(Replay, TessellatedPolygonIsTriangulatedAndMeasured) {
-  {
-    StreamBuilder s(path);
-    s.Head();
     WriteTessBeginPolyRecord(s.f(), 4);
     WriteTessVector3dRecord(s.f(), 0, 0, 0);
-    WriteTessVector3dRecord(s.f(), 2, 0, 0);
-    WriteTessVector3dvRecord(s.f(), 2, 2, 0);
+    WriteTessVector3dRecord(s.f(), 12, 0, 0);
+    WriteTessVector3dvRecord(s.f(), 10, 6, 1e-40);  // rounds to a Single subnormal
     WriteTessVector3dRecord(s.f(), 0, 2, 0.5);
     WriteTessEndPolyRecord(s.f());
     WriteEndOfSeqRecord(s.f());
   }
   ScopedRecordedMessages messages;
-  const auto lines = Play(path, ctrl);
+  const Box box = {-1, 12, -5, 6, 0, 2};
+  ctrl.DontSendToGL = true;
+  EXPECT_EQ(Play(), Lines{});
+  EXPECT_EQ(PlayedBox(), box);
+  ctrl.DontSendToGL = false;
+  const Lines lines = Play();
+  EXPECT_EQ(PlayedBox(), box);
   EXPECT_TRUE(messages.Texts().empty());
-  // Two triangles of three corners, each corner with its edge flag.
-  EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
-                          [](const std::string& l) { return l.rfind("glVertex3d(", 0) == 0; }),
-            6);
-  ASSERT_FALSE(lines.empty());
-  EXPECT_EQ(lines.front(), "glBegin(GL_TRIANGLES)");
-  EXPECT_EQ(ctrl.FileCoord_xMax, 2.0f);
-  EXPECT_EQ(ctrl.FileCoord_zMax, 0.5f);
+  // Two triangles after the lines, each corner with its edge flag.
+  ASSERT_EQ(lines.size(), 4u + 2 + 6 * 2) << ::testing::PrintToString(lines);
+  EXPECT_EQ(lines[4], "glBegin(GL_TRIANGLES)");
+  std::set<std::string> corners;
+  for (const auto& l : lines) {
+    if (l.rfind("glVertex3d(", 0) == 0) corners.insert(l);
+  }
+  EXPECT_EQ(corners, (std::set<std::string>{"glVertex3d(0, 0, 0)", "glVertex3d(12, 0, 0)",
+                                            "glVertex3d(10, 6, 1e-40)", "glVertex3d(0, 2, 0.5)"}));
 }
 
 TEST_F(Replay, ReplayWhileRecordingIntoTheSameFileStaysBounded) {
@@ -214,7 +152,7 @@ TEST_F(Replay, ReplayWhileRecordingIntoTheSameFileStaysBounded) {
   // Each played record is written again at the position just after it, over
   // the record that follows; the replay must still come to an end.
   ctrl.SendToFile = true;
-  const auto lines = Play(path, ctrl);
+  const auto lines = Play();
   ASSERT_FALSE(lines.empty());
   EXPECT_EQ(lines.front(), "glVertex3f(1, 2, 3)");
   // Records that start within the old end still play, so the file grows by at
