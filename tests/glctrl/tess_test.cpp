@@ -32,12 +32,6 @@ class Polygon : public ::testing::Test {
     ctrl.tessEndPoly();
     return trace.Lines();
   }
-  // The lines after the triangles' glEnd(): the marking.
-  static Lines Marking(const Lines& lines) {
-    auto end = std::find(lines.begin(), lines.end(), "glEnd()");
-    return end == lines.end() ? Lines{} : Lines(end + 1, lines.end());
-  }
-
   ScopedRecordedMessages messages;
   OpenGL_Ctrl ctrl;
   // Corners whose centre (3, 3, 0) and the marking points are exact decimals.
@@ -52,15 +46,12 @@ class Polygon : public ::testing::Test {
 TEST_F(Polygon, SquareShowsOnlyItsBorderEdges) {
   Lines lines = Draw({{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}});
   ASSERT_EQ(lines.size(), 2u + 2 * 3 * 2) << ::testing::PrintToString(lines);
-  EXPECT_EQ(lines.front(), "glBegin(GL_TRIANGLES)");
-  EXPECT_EQ(lines.back(), "glEnd()");
   std::set<std::pair<std::string, std::string>> border;
   for (int t = 0; t < 2; ++t) {
     for (int j = 0; j < 3; ++j) {
-      const std::string& flag = lines[1 + 6 * t + 2 * j];
       const std::string& from = lines[2 + 6 * t + 2 * j];
       const std::string& to = lines[2 + 6 * t + 2 * ((j + 1) % 3)];
-      if (flag == "glEdgeFlag(GL_TRUE)") border.insert(std::minmax(from, to));
+      if (lines[1 + 6 * t + 2 * j] == "glEdgeFlag(GL_TRUE)") border.insert(std::minmax(from, to));
     }
   }
   const std::string a = "glVertex3d(0, 0, 0)", b = "glVertex3d(2, 0, 0)", c = "glVertex3d(2, 2, 0)",
@@ -72,35 +63,36 @@ TEST_F(Polygon, SquareShowsOnlyItsBorderEdges) {
   EXPECT_TRUE(messages.Texts().empty());
 }
 
+// Each mode's marking follows the triangles; other modes draw none.
 TEST_F(Polygon, MarkingModesOneToFour) {
   ctrl.TessInTriColor = 0x0000FF;  // red
+  auto join = [](std::initializer_list<Lines> parts) {
+    Lines all;
+    for (const Lines& part : parts) all.insert(all.end(), part.begin(), part.end());
+    return all;
+  };
+  const Lines red = {"glColor3f(1, 0, 0)"};
   const Lines inner_with_flags = {
-      "glColor3f(1, 0, 0)",  "glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)",
-      "glVertex3d(1, 1, 0)", "glEdgeFlag(GL_TRUE)",   "glVertex3d(7, 1, 0)",
-      "glEdgeFlag(GL_TRUE)", "glVertex3d(1, 7, 0)",   "glEnd()"};
+      "glBegin(GL_TRIANGLES)", "glEdgeFlag(GL_TRUE)", "glVertex3d(1, 1, 0)", "glEdgeFlag(GL_TRUE)",
+      "glVertex3d(7, 1, 0)",   "glEdgeFlag(GL_TRUE)", "glVertex3d(1, 7, 0)", "glEnd()"};
   Lines inner = inner_with_flags;
   std::erase(inner, "glEdgeFlag(GL_TRUE)");
   const Lines strokes = {"glBegin(GL_LINES)",   "glVertex3d(1.5, 1.5, 0)",
                          "glVertex3d(3, 3, 0)", "glVertex3d(6, 1.5, 0)",
                          "glVertex3d(3, 3, 0)", "glVertex3d(1.5, 6, 0)",
                          "glVertex3d(3, 3, 0)", "glEnd()"};
-  Lines coloured_strokes = {"glColor3f(1, 0, 0)"};
-  coloured_strokes.insert(coloured_strokes.end(), strokes.begin(), strokes.end());
-  Lines stippled = {"glColor3f(1, 0, 0)", "glEnable(GL_LINE_STIPPLE)", "glLineStipple(4, 4369)"};
-  stippled.insert(stippled.end(), strokes.begin(), strokes.end());
-  stippled.push_back("glDisable(GL_LINE_STIPPLE)");
-
-  ctrl.TessFlag_DoInTri = 1;
-  EXPECT_EQ(Marking(Draw(triangle)), inner_with_flags);
-  ctrl.TessFlag_DoInTri = 2;
-  EXPECT_EQ(Marking(Draw(triangle)), inner);
-  ctrl.TessFlag_DoInTri = 3;
-  EXPECT_EQ(Marking(Draw(triangle)), coloured_strokes);
-  ctrl.TessFlag_DoInTri = 4;
-  EXPECT_EQ(Marking(Draw(triangle)), stippled);
-  for (Long other : {0, -1, 5}) {
-    ctrl.TessFlag_DoInTri = other;
-    EXPECT_EQ(Draw(triangle), triangle_lines) << other;
+  const Lines stipple = {"glEnable(GL_LINE_STIPPLE)", "glLineStipple(4, 4369)"};
+  const std::pair<Long, Lines> modes[] = {
+      {1, join({red, inner_with_flags})},
+      {2, join({red, inner})},
+      {3, join({red, strokes})},
+      {4, join({red, stipple, strokes, {"glDisable(GL_LINE_STIPPLE)"}})},
+      {0, {}},
+      {-1, {}},
+      {5, {}}};
+  for (const auto& [mode, marking] : modes) {
+    ctrl.TessFlag_DoInTri = mode;
+    EXPECT_EQ(Draw(triangle), join({triangle_lines, marking})) << "mode " << mode;
   }
   EXPECT_TRUE(messages.Texts().empty());
 }
@@ -145,24 +137,19 @@ TEST_F(Polygon, MoreCornersThanAnnouncedRaiseNineAfterCounting) {
 // the current table.
 TEST_F(Polygon, GluCallbacksDrawThroughTheDispatchTable) {
   GLUtesselator* tess = RealGL().gluNewTess();
-  ASSERT_NE(tess, nullptr);
   ctrl.auxSetTessCallbacks(tess);  // real table: registered with GLU
   GLdouble corners[3][3] = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}};
-  Lines lines;
-  {
-    ScopedTracingGL trace;
-    RealGL().gluTessBeginPolygon(tess, nullptr);
-    RealGL().gluTessBeginContour(tess);
-    for (auto& c : corners) RealGL().gluTessVertex(tess, c, c);
-    RealGL().gluTessEndContour(tess);
-    RealGL().gluTessEndPolygon(tess);
-    lines = trace.Lines();
-  }
+  ScopedTracingGL trace;
+  RealGL().gluTessBeginPolygon(tess, nullptr);
+  RealGL().gluTessBeginContour(tess);
+  for (auto& c : corners) RealGL().gluTessVertex(tess, c, c);
+  RealGL().gluTessEndContour(tess);
+  RealGL().gluTessEndPolygon(tess);
   RealGL().gluDeleteTess(tess);
+  const Lines lines = trace.Lines();
   ASSERT_EQ(lines.size(), 5u) << ::testing::PrintToString(lines);
   EXPECT_EQ(lines.front().rfind("glBegin(GL_TRIANGLE", 0), 0u) << lines.front();
-  std::multiset<std::string> vertices(lines.begin() + 1, lines.end() - 1);
-  EXPECT_EQ(vertices,
+  EXPECT_EQ(std::multiset<std::string>(lines.begin() + 1, lines.end() - 1),
             (std::multiset<std::string>{"glVertex3dv([0, 0, 0])", "glVertex3dv([4, 0, 0])",
                                         "glVertex3dv([0, 4, 0])"}));
   EXPECT_EQ(lines.back(), "glEnd()");
