@@ -25,9 +25,6 @@ class RecordingHost : public FormHost {
   void FormSizeChanged() override { calls.push_back("FormSizeChanged"); }
   void UnloadAllForms() override { calls.push_back("UnloadAllForms"); }
   void ShowInfoBox() override { calls.push_back("ShowInfoBox"); }
-  int Count(const std::string& call) const {
-    return static_cast<int>(std::count(calls.begin(), calls.end(), call));
-  }
   std::vector<std::string> calls;
 };
 
@@ -69,8 +66,7 @@ class FormTest : public ::testing::Test {
     gl.Clear();
   }
 
-  // A scene box without a file: BuildSceneList keeps RoomBox when no file is
-  // open, so a full view fits this box.
+  // Without an open file the scene list keeps RoomBox, so a full view fits it.
   void UseRoomBox(std::array<Single, 6> box) {
     form.RoomBox = box;
     form.RenderIt(false, true);

@@ -15,11 +15,6 @@ class MouseModes : public FormTest {
     form.VerAng(90);
     UseRoomBox({-10, 10, -10, 10, 0, 0});
   }
-  std::vector<Integer> Buttons() const {
-    std::vector<Integer> values;
-    for (const auto& b : form.Mouse_Chk) values.push_back(b.Value());
-    return values;
-  }
   Long Icon() const { return form.FacePbx.MouseIcon(); }
   std::array<Single, 4> Window() const {
     return {form.WinXMin, form.WinXMax, form.WinYMin, form.WinYMax};
@@ -33,7 +28,7 @@ class MouseModes : public FormTest {
 
 TEST_F(MouseModes, EachButtonChoosesItsModeAndCursor) {
   const struct {
-    int button;
+    std::size_t button;
     Integer mode;
     CursorKind cursor;
   } cases[] = {{0, kModeDrag, CursorKind::kDrag},
@@ -41,68 +36,39 @@ TEST_F(MouseModes, EachButtonChoosesItsModeAndCursor) {
                {2, kModeZoomOut, CursorKind::kCram},
                {3, kModeCenter, CursorKind::kSpot}};
   for (const auto& c : cases) {
-    form.Mouse_Chk[static_cast<std::size_t>(c.button)].UserClick();
+    SCOPED_TRACE(form.Mouse_Chk[c.button].Caption);
+    form.Mouse_Chk[c.button].UserClick();
     EXPECT_EQ(form.MouseMode(), c.mode);
     EXPECT_EQ(Icon(), CursorIconId(c.cursor));
-    for (int i = 0; i < 4; ++i) {
-      EXPECT_EQ(form.Mouse_Chk[static_cast<std::size_t>(i)].Value(), i == c.button ? 1 : 0);
+    for (std::size_t i = 0; i < 4; ++i) {
+      EXPECT_EQ(form.Mouse_Chk[i].Value(), i == c.button ? 1 : 0) << i;
     }
   }
 }
 
-TEST_F(MouseModes, SwitchingModesDoesNotReenterTheClickHandler) {
-  form.Mouse_Chk[0].UserClick();
-  // Watch every Click the buttons raise from now on: whether the guard was
-  // set, and whether the handler itself changed the mode or a button.
-  std::vector<std::string> clicks;
-  for (auto& button : form.Mouse_Chk) {
-    button.Click = [this, &clicks, handler = button.Click] {
-      const bool guard = form.SettingMouseMode;
-      const auto mode = form.MouseMode();
-      const auto buttons = Buttons();
-      handler();
-      const bool acted = form.MouseMode() != mode || Buttons() != buttons;
-      clicks.push_back(std::string(guard ? "guarded" : "user") + (acted ? " acted" : " idle"));
-    };
-  }
-  form.Mouse_Chk[1].UserClick();  // Zoom In while Drag is down
-  EXPECT_EQ(form.MouseMode(), kModeZoomIn);
-  EXPECT_EQ(Buttons(), (std::vector<Integer>{0, 1, 0, 0}));
-  // The setter's three changes (0 and 1 released, 1 pressed again) come first
-  // and do nothing; then the user's click ends having switched the mode.
-  EXPECT_EQ(clicks, (std::vector<std::string>{"guarded idle", "guarded idle", "guarded idle",
-                                              "user acted"}));
-}
-
-TEST_F(MouseModes, CentreModeCentresOnTheLeftClickOnly) {
+TEST_F(MouseModes, CentreOnALeftClickAndDragFromAFixedStartPoint) {
   form.MouseMode(kModeCenter);
   const Single width = form.WinXMax - form.WinXMin;
   form.FacePbx_MouseUp(kRightButton, 0, 4, 3);
-  EXPECT_FLOAT_EQ(CentreX(), 0);
-
   form.FacePbx_MouseDown(kLeftButton, 0, 4, 3);
   form.FacePbx_MouseMove(kLeftButton, 0, 4, 3);
-  EXPECT_FLOAT_EQ(CentreX(), 0);  // press and move do nothing here
+  EXPECT_FLOAT_EQ(CentreX(), 0);  // only the left release centres
   form.FacePbx_MouseUp(kLeftButton, 0, 4, 3);
   EXPECT_FLOAT_EQ(CentreX(), 4);
   EXPECT_FLOAT_EQ(CentreY(), 3);
   EXPECT_FLOAT_EQ(form.WinXMax - form.WinXMin, width);
   EXPECT_TRUE(Traced("glCallList(1)"));
-}
 
-TEST_F(MouseModes, DragPansByTheOffsetFromTheFixedStartPoint) {
+  form.View_FullRoom_Click();
   form.MouseMode(kModeDrag);
   form.FacePbx_MouseDown(kLeftButton, 0, 1, 1);
   EXPECT_EQ(Icon(), CursorIconId(CursorKind::kDragging));
-  EXPECT_FLOAT_EQ(form.DragStartX, 1);
-
   form.FacePbx_MouseMove(kLeftButton, 0, 3, 2);  // the picture follows: window moves by -(2, 1)
   EXPECT_FLOAT_EQ(CentreX(), -2);
   EXPECT_FLOAT_EQ(CentreY(), -1);
-  EXPECT_FLOAT_EQ(form.DragStartX, 1);  // never updated during the drag
+  EXPECT_FLOAT_EQ(form.DragStartX, 1);
   form.FacePbx_MouseMove(kRightButton, 0, 9, 9);
   EXPECT_FLOAT_EQ(CentreX(), -2);
-
   form.FacePbx_MouseUp(kLeftButton, 0, 3, 2);
   EXPECT_EQ(Icon(), CursorIconId(CursorKind::kDrag));
 
@@ -123,35 +89,41 @@ TEST_F(MouseModes, RubberBandKeepsTheDrawingAreasShape) {
   const auto& box = band.boxes.back();
   const double aspect = static_cast<double>(form.FacePbx.Width()) / form.FacePbx.Height();
   EXPECT_NEAR(std::fabs(box[2] - box[0]) / std::fabs(box[3] - box[1]), aspect, 1e-3);
-  // It starts at the press, in FacePbx pixels; its height follows the mouse.
+  // From the press, in FacePbx pixels; the height follows the mouse.
   EXPECT_NEAR(box[0], form.FacePbx.ToPixelX(-2), 1e-3);
   EXPECT_NEAR(box[1], form.FacePbx.ToPixelY(2), 1e-3);
   EXPECT_NEAR(box[3], form.FacePbx.ToPixelY(-1), 1e-3);
 
-  // A horizontal move erases the band and draws none.
-  form.FacePbx_MouseMove(kLeftButton, 0, 5, 2);
+  form.FacePbx_MouseMove(kLeftButton, 0, 5, 2);  // horizontal: erased, none drawn
   EXPECT_EQ(band.boxes.size(), 2u);
   EXPECT_EQ(SwapCount(), swaps + 3);
-  // Not the left button alone: nothing at all.
   form.FacePbx_MouseMove(kLeftButton | kRightButton, 0, 1, -1);
   EXPECT_EQ(SwapCount(), swaps + 3);
 }
 
-TEST_F(MouseModes, ZoomInRectangleIsTheSameWhicheverWayItIsDragged) {
+TEST_F(MouseModes, ZoomRectanglesZoomInOrOutAboutTheirCentre) {
   form.MouseMode(kModeZoomIn);
-  const Integer zoom_before = form.Zoom_Scr.Value();
+  const Integer zoom_full = form.Zoom_Scr.Value();
+  const Single width = form.WinXMax - form.WinXMin;
   Drag(-6, 4, 2, -2);
   const auto forward = Window();
-  const Integer zoom_forward = form.Zoom_Scr.Value();
-  EXPECT_LT(zoom_forward, zoom_before);
-  // The rectangle's centre becomes the view's centre.
+  const Integer zoom_in = form.Zoom_Scr.Value();
+  EXPECT_LT(zoom_in, zoom_full);
   EXPECT_NEAR(CentreX(), -2, 1e-5);
   EXPECT_NEAR(CentreY(), 1, 1e-5);
-
   form.View_FullRoom_Click();
   Drag(2, -2, -6, 4);
   EXPECT_EQ(Window(), forward);
-  EXPECT_EQ(form.Zoom_Scr.Value(), zoom_forward);
+  EXPECT_EQ(form.Zoom_Scr.Value(), zoom_in);
+
+  // Zoom out: the whole view shrinks into a rectangle half its width.
+  form.View_FullRoom_Click();
+  form.MouseMode(kModeZoomOut);
+  Drag(-width / 4, -2, width / 4, 2);
+  EXPECT_GT(form.Zoom_Scr.Value(), zoom_full);
+  EXPECT_NEAR(CentreX(), 0, 1e-4);
+  EXPECT_NEAR(CentreY(), 0, 1e-4);
+  EXPECT_GT(form.WinXMax - form.WinXMin, 1.9 * width);
 }
 
 TEST_F(MouseModes, ZoomRectangleOfNoSizeOrOtherButtonChangesNothing) {
@@ -160,9 +132,9 @@ TEST_F(MouseModes, ZoomRectangleOfNoSizeOrOtherButtonChangesNothing) {
     const auto window = Window();
     const Integer zoom = form.Zoom_Scr.Value();
     gl.Clear();
-    Drag(3, 3, 3, 3);   // a click
-    Drag(3, 3, 3, -2);  // no width
-    Drag(3, 3, -2, 3);  // no height
+    Drag(3, 3, 3, 3);
+    Drag(3, 3, 3, -2);
+    Drag(3, 3, -2, 3);
     Drag(-5, -5, 5, 5, kRightButton);
     EXPECT_EQ(Window(), window);
     EXPECT_EQ(form.Zoom_Scr.Value(), zoom);
@@ -170,30 +142,15 @@ TEST_F(MouseModes, ZoomRectangleOfNoSizeOrOtherButtonChangesNothing) {
   }
 }
 
-TEST_F(MouseModes, ZoomOutShrinksThePresentViewIntoTheRectangle) {
-  form.MouseMode(kModeZoomOut);
-  const Integer zoom_before = form.Zoom_Scr.Value();
-  const Single width = form.WinXMax - form.WinXMin;
-  // A rectangle half as wide as the window, about its centre.
-  Drag(-width / 4, -2, width / 4, 2);
-  EXPECT_GT(form.Zoom_Scr.Value(), zoom_before);
-  EXPECT_NEAR(CentreX(), 0, 1e-4);
-  EXPECT_NEAR(CentreY(), 0, 1e-4);
-  EXPECT_GT(form.WinXMax - form.WinXMin, 1.9 * width);
-}
-
 TEST_F(MouseModes, ZoomOutRectangleAsWideAsTheWindowIsARunTimeError) {
   form.MouseMode(kModeZoomOut);
   // Shifted by one, but exactly as wide: W - (x2 - x1) is 0.
-  const Single x0 = form.WinXMin + 1, x1 = form.WinXMax + 1;
-  form.FacePbx_MouseDown(kLeftButton, 0, x0, -1);
-  const bool ran = RunHandler([&] { form.FacePbx_MouseUp(kLeftButton, 0, x1, 1); });
-  EXPECT_FALSE(ran);
-  ASSERT_EQ(messages.Texts().size(), 1u);
-  EXPECT_EQ(messages.Texts()[0], ErrorText(kErrDivisionByZero));
+  form.FacePbx_MouseDown(kLeftButton, 0, form.WinXMin + 1, -1);
+  const Single x1 = form.WinXMax + 1;
+  EXPECT_FALSE(RunHandler([&] { form.FacePbx_MouseUp(kLeftButton, 0, x1, 1); }));
+  EXPECT_EQ(messages.Texts(), (std::vector<std::string>{ErrorText(kErrDivisionByZero)}));
 
-  // The program goes on: the next command works.
-  form.View_FullRoom_Click();
+  form.View_FullRoom_Click();  // the program goes on
   EXPECT_FLOAT_EQ(form.WinXMax - form.WinXMin, 20);
 }
 

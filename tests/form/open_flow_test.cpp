@@ -9,8 +9,7 @@ namespace {
 
 class OpenFlow : public FormTest {
  protected:
-  // A file that is no scene: the load finds no views and shows nothing, but
-  // reading it is fine.
+  // No scene, so the load shows nothing, but reading it is fine.
   std::string SomeFile(const std::string& name) {
     const auto path = dir.File(name);
     WriteAll(path, {'n', 'o', 't', ' ', 'a', ' ', 's', 'c', 'e', 'n', 'e'});
@@ -19,15 +18,27 @@ class OpenFlow : public FormTest {
   TempDir dir;
 };
 
-TEST_F(OpenFlow, OffersTheSceneFilterAndTheStarName) {
-  dialog.answer = "";
-  EXPECT_EQ(form.COM_OpenFileDlg(dialog, 0, "*"), "");
+TEST_F(OpenFlow, OpensTheChosenPathWhateverItsExtensionAndShowsIt) {
+  const auto path = SomeFile("scene.KGL.bak");
+  dialog.answer = path;
+  form.File_OpenGLFile.UserClick();
   EXPECT_EQ(dialog.shown_filter, "KIVO OpenGL File (*.qgl)|*.qgl|All files (*.*)|*.*");
   EXPECT_EQ(dialog.shown_file_name, "*.qgl");
   EXPECT_TRUE(dialog.shown_cancel_error);
+  EXPECT_EQ(form.SceneFileName, path);
+  EXPECT_EQ(form.Main_StBr.PanelText(1), path);
+  // Rebuilt and fitted: the old list deleted, a new one compiled and drawn.
+  EXPECT_TRUE(Traced("glDeleteLists(1, 1)"));
+  EXPECT_TRUE(Traced("glGenLists(1)"));
+  EXPECT_TRUE(messages.Texts().empty());
+
+  const auto given = SomeFile("given.qgl");  // from the command line: no dialog
+  form.OpenSceneFile(given);
+  EXPECT_EQ(form.Main_StBr.PanelText(1), given);
+  EXPECT_EQ(dialog.shows, 1);
 }
 
-TEST_F(OpenFlow, CancelIsSilentAndChangesNothing) {
+TEST_F(OpenFlow, CancelIsSilentAndAFailingDialogSaysSo) {
   const auto first = SomeFile("first.qgl");
   dialog.answer = first;
   form.Open_Cbt.UserClick();
@@ -37,56 +48,27 @@ TEST_F(OpenFlow, CancelIsSilentAndChangesNothing) {
   gl.Clear();
   form.File_OpenGLFile.UserClick();
   EXPECT_EQ(dialog.shows, 2);
-  EXPECT_EQ(form.SceneFileName, first);
   EXPECT_EQ(form.Main_StBr.PanelText(1), first);
   EXPECT_TRUE(messages.Texts().empty());
   EXPECT_TRUE(gl.Lines().empty());
-}
 
-TEST_F(OpenFlow, DialogFailureShowsErrorDuringOpenFile) {
   dialog.raise_number = kErrDeviceIO;
   form.Open_Cbt.UserClick();
   EXPECT_EQ(messages.Texts(), (std::vector<std::string>{"Error during OpenFile"}));
-  ASSERT_EQ(messages.boxes().entries.size(), 1u);
   EXPECT_EQ(messages.boxes().entries[0].icon, MessageIcon::kNone);
-  EXPECT_EQ(form.SceneFileName, "");
-  EXPECT_EQ(form.Main_StBr.PanelText(1), "");
-}
-
-TEST_F(OpenFlow, AnotherExtensionIsAcceptedUnchanged) {
-  const auto path = SomeFile("scene.KGL.bak");
-  dialog.answer = path;
-  gl.Clear();
-  form.File_OpenGLFile.UserClick();
-  EXPECT_EQ(form.SceneFileName, path);
-  EXPECT_EQ(form.Main_StBr.PanelText(1), path);
-  // Rebuilt and fitted: the old list deleted, a new one compiled and drawn.
-  EXPECT_TRUE(Traced("glDeleteLists(1, 1)"));
-  EXPECT_TRUE(Traced("glGenLists(1)"));
-  EXPECT_TRUE(messages.Texts().empty());
+  EXPECT_EQ(form.SceneFileName, first);
 }
 
 TEST_F(OpenFlow, NewPathIsShownEvenWhenReadingItFails) {
   dialog.answer = dir.File("missing.qgl");
-  const bool ran = RunHandler([&] { form.Open_Cbt.UserClick(); });
-  EXPECT_FALSE(ran);
-  EXPECT_EQ(form.SceneFileName, dir.File("missing.qgl"));
+  EXPECT_FALSE(RunHandler([&] { form.Open_Cbt.UserClick(); }));
   EXPECT_EQ(form.Main_StBr.PanelText(1), dir.File("missing.qgl"));
   ASSERT_EQ(messages.Texts().size(), 1u);
   EXPECT_EQ(messages.boxes().entries[0].icon, MessageIcon::kCritical);
 
-  // The program goes on: the next command works.
-  form.HorAng(0);
+  form.HorAng(0);  // the program goes on
   form.View_TopView_Click();
   EXPECT_EQ(form.HorAng(), 270);
-}
-
-TEST_F(OpenFlow, CommandLinePathOpensLikeTheDialog) {
-  const auto path = SomeFile("given.qgl");
-  form.OpenSceneFile(path);
-  EXPECT_EQ(form.SceneFileName, path);
-  EXPECT_EQ(form.Main_StBr.PanelText(1), path);
-  EXPECT_EQ(dialog.shows, 0);
 }
 
 TEST(Boundary, ShowsAnyEscapedErrorAndReportsIt) {
