@@ -10,10 +10,10 @@
 // - "does a ring point lie in this triangle" is asked of a grid, near the
 //   triangle only, with a margin that covers the rounding of the inside test;
 // - the best ear comes from a heap ordered by score, then corner.
-// A last pass without a convex corner clips again at the position chosen
-// last, with the values that the straightforward clipper's tables hold there.
-// Where it would take another path (a zero diagonal, a pass without an ear,
-// a position past the ring's end, an arithmetic fault,
+// - a pass without an ear clips at the position chosen last once more, with
+//   the values the straightforward clipper's tables and ring array hold
+//   there, entries left behind the shrinking ring included.
+// Where it would take another path (a zero diagonal, an arithmetic fault,
 // coordinates so large or triangles so thin that the margin cannot be vouched
 // for) this one gives up, and the straightforward clipper runs from the start.
 #include <algorithm>
@@ -26,6 +26,7 @@
 #include "common/runtime_error.h"
 #include "facet/facet_math.h"
 #include "facet/facetter.h"
+#include "facet/point_grid.h"
 
 namespace quelo {
 
@@ -55,7 +56,7 @@ class FastClipper {
     try {
       Setup();
       while (size_ > 3) ClipNext(clipped, corner_count);
-      ClipLast(clipped);
+      ClipLast(clipped, corner_count);
       return true;
     } catch (const Decline&) {
       return false;
@@ -110,37 +111,14 @@ class FastClipper {
     size_ = n_;
     rank_tree_.assign(At(n_) + 1, 0);
     for (int i = 1; i <= n_; ++i) RankAdd(i, 1);
-    BuildGrid(lo_x, hi_x, lo_y, hi_y);
+    extent_ = std::max(hi_x - lo_x, hi_y - lo_y);
+    grid_.Build(point_, n_);
     watchers_.assign(At(n_) + 1, {});
+    tail_.assign(At(n_) + 1, FacetPoint{});
     for (int i = 1; i <= n_; ++i) Evaluate(i);
   }
 
-  // ---- The grid of ring points -------------------------------------------
-
-  void BuildGrid(double lo_x, double hi_x, double lo_y, double hi_y) {
-    lo_x_ = lo_x, lo_y_ = lo_y;
-    const double width = std::max(hi_x - lo_x, 0.0), height = std::max(hi_y - lo_y, 0.0);
-    extent_ = std::max(width, height);
-    const double cells = std::max(1.0, static_cast<double>(n_) / 2);
-    const double side =
-        std::max(std::sqrt(std::max(width * height, 0.0) / cells), std::max(width, height) / cells);
-    cell_ = side > 0 ? side : 1;
-    columns_ = std::clamp(static_cast<int>(width / cell_) + 1, 1, 1 << 14);
-    rows_ = std::clamp(static_cast<int>(height / cell_) + 1, 1, 1 << 14);
-    start_.assign(At(columns_ * rows_) + 1, 0);
-    for (int i = 1; i <= n_; ++i) ++start_[At(CellOf(P(i).x, P(i).y) + 1)];
-    for (std::size_t c = 1; c < start_.size(); ++c) start_[c] += start_[c - 1];
-    items_.assign(At(n_), 0);
-    std::vector<int> fill(start_.begin(), start_.end() - 1);
-    for (int i = 1; i <= n_; ++i) items_[At(fill[At(CellOf(P(i).x, P(i).y))]++)] = i;
-  }
-  int Column(double x) const {
-    return std::clamp(static_cast<int>(std::floor((x - lo_x_) / cell_)), 0, columns_ - 1);
-  }
-  int Row(double y) const {
-    return std::clamp(static_cast<int>(std::floor((y - lo_y_) / cell_)), 0, rows_ - 1);
-  }
-  int CellOf(double x, double y) const { return Row(y) * columns_ + Column(x); }
+  // ---- The inside question ----------------------------------------------
 
   // A ring point other than a, b, c that InsideTriangle counts as inside the
   // triangle a, b, c; 0 when there is none.
@@ -169,22 +147,7 @@ class FastClipper {
       return 0;
     }
     const double margin = (3 * relative + 0x1p-16) * size + 0x1p-40;
-    const double x0 = std::min({double{pa.x}, double{pb.x}, double{pc.x}}) - margin;
-    const double x1 = std::max({double{pa.x}, double{pb.x}, double{pc.x}}) + margin;
-    const double y0 = std::min({double{pa.y}, double{pb.y}, double{pc.y}}) - margin;
-    const double y1 = std::max({double{pa.y}, double{pb.y}, double{pc.y}}) + margin;
-    for (int row = Row(y0), last_row = Row(y1); row <= last_row; ++row) {
-      for (int column = Column(x0), last = Column(x1); column <= last; ++column) {
-        const int cell = row * columns_ + column;
-        for (int k = start_[At(cell)]; k < start_[At(cell + 1)]; ++k) {
-          const int d = items_[At(k)];
-          const FacetPoint& pd = P(d);
-          if (pd.x < x0 || pd.x > x1 || pd.y < y0 || pd.y > y1) continue;
-          if (inside(d)) return d;
-        }
-      }
-    }
-    return 0;
+    return grid_.Find({pa.x, pa.y}, {pb.x, pb.y}, {pc.x, pc.y}, margin, inside);
   }
 
   // ---- Corner state ------------------------------------------------------
@@ -242,36 +205,72 @@ class FastClipper {
       if (c.alive && c.ear && c.version == top.version) break;
       heap_.pop();
     }
-    int b = 0;
-    if (!heap_.empty()) {
-      b = heap_.top().corner;
-      heap_.pop();
-      chosen_rank_ = Rank(b);
-      chosen_diagonal_ = C(b).diagonal;
-      chosen_candidate0_ = C(b).candidate0;
-      chosen_candidate3_ = C(b).candidate3;
-    } else {
-      throw Decline{};  // a pass without an ear: see StaleChoice
-    }
-    Corner& cb = C(b);
-    const int p = cb.prev, q = cb.next;
-    Record(clipped, p, b, q, (P(p).cut ? 0 : 1) + (P(b).cut ? 0 : 2));
+    // Stale edge lengths can push a weight past 1: a score of 2 or more is
+    // no ear to choose, though its candidate weights enter the tables.
+    if (heap_.empty() || !(heap_.top().score < 2.0f)) return ClipStale(clipped, corner_count);
+    const int b = heap_.top().corner;
+    heap_.pop();
+    chosen_rank_ = Rank(b);
+    chosen_diagonal_ = C(b).diagonal;
+    chosen_candidate0_ = C(b).candidate0;
+    chosen_candidate3_ = C(b).candidate3;
+    const int p = C(b).prev, q = C(b).next;
+    Record(clipped, P(p), P(b), P(q), (P(p).cut ? 0 : 1) + (P(b).cut ? 0 : 2));
+    Remove(b, true, corner_count);
+  }
 
+  // A pass that finds no ear clips at the position chosen last once more,
+  // with what the straightforward clipper's tables and ring array hold there:
+  // the diagonal is rewritten where a convex corner stands at that position,
+  // the candidate weights where an unchosen ear does, and a position
+  // past the ring's end reads the entries left behind as the ring shrank.
+  void ClipStale(std::vector<FacetTriangle>& clipped, Integer& corner_count) {
+    const int s = size_;
+    const int b = chosen_rank_;
+    if (b < 1 || b > n_) throw Decline{};
+    if (s > 3 && b <= s && Convex(AtRank(b))) {
+      const Corner& c = C(AtRank(b));
+      chosen_diagonal_ = c.diagonal;
+      if (c.ear) chosen_candidate0_ = c.candidate0, chosen_candidate3_ = c.candidate3;
+    }
+    const int p = b == 1 ? s : b - 1;
+    const int q = (b + 1) % s == 0 ? s : (b + 1) % s;
+    const FacetPoint &pp = Entry(p), &pb = Entry(b), &pq = Entry(q);
+    Record(clipped, pp, pb, pq, (pp.cut ? 0 : 1) + (pb.cut ? 0 : 2) + (s == 3 && !pq.cut ? 4 : 0));
+    if (s == 3) return;
+    if (b <= s) return Remove(AtRank(b), true, corner_count);
+    // Past the end nothing moves: the ring loses its last position, and the
+    // cut mark goes to an entry behind it.
+    Remove(AtRank(s), false, corner_count);
+    tail_[At(b - 1)].cut = true;
+  }
+
+  // Takes corner r out of the ring. With `rejoin` its neighbours are joined by
+  // the new diagonal: its length, the cut mark and the candidate weights of
+  // the chosen ear go to them. The ring array's last entry stays behind the
+  // shrunk ring, where a later pass may read it.
+  void Remove(int r, bool rejoin, Integer& corner_count) {
+    tail_[At(size_)] = P(AtRank(size_));
     --size_;
     corner_count = static_cast<Integer>(size_);
-    cb.alive = false;
-    cb.ear = false;
-    RankAdd(b, -1);
+    Corner& cr = C(r);
+    cr.alive = false;
+    cr.ear = false;
+    RankAdd(r, -1);
+    grid_.Remove(r);
+    const int p = cr.prev, q = cr.next;
     C(p).next = q;
     C(q).prev = p;
-    if (area_ < 0) {
-      point_[At(q)].edge_length = chosen_diagonal_;
-    } else {
-      point_[At(p)].edge_length = chosen_diagonal_;
+    if (rejoin) {
+      if (area_ < 0) {
+        point_[At(q)].edge_length = chosen_diagonal_;
+      } else {
+        point_[At(p)].edge_length = chosen_diagonal_;
+      }
+      point_[At(p)].cut = true;
+      point_[At(p)].weight = chosen_candidate0_;
+      point_[At(q)].weight = chosen_candidate3_;
     }
-    point_[At(p)].cut = true;
-    point_[At(p)].weight = chosen_candidate0_;
-    point_[At(q)].weight = chosen_candidate3_;
     if (size_ == 3) return;  // the last pass looks at convexity only
 
     Evaluate(p);
@@ -280,43 +279,36 @@ class FastClipper {
       if (C(outer).ear) Score(outer);
     }
     std::vector<int> watching;
-    watching.swap(watchers_[At(b)]);
+    watching.swap(watchers_[At(r)]);
     for (int w : watching) {
       Corner& cw = C(w);
-      if (cw.alive && cw.witness == b && w != p && w != q) Evaluate(w);
+      if (cw.alive && cw.witness == r && w != p && w != q) Evaluate(w);
     }
   }
 
-  // A pass without an ear clips the position chosen last once more: the
-  // corner there now, with the tables as that pass leaves them. Used for the
-  // last pass only: between passes with ears, the tables' diagonal at that
-  // position is not yet followed exactly, and such passes decline.
-  int StaleChoice() {
-    if (chosen_rank_ < 1 || chosen_rank_ > size_) throw Decline{};
-    const int b = AtRank(chosen_rank_);
-    if (Convex(b)) chosen_diagonal_ = C(b).diagonal;
-    return b;
+  // The ring array's entry at `position`: a ring corner, or one left behind.
+  const FacetPoint& Entry(int position) const {
+    return position <= size_ ? P(AtRank(position)) : tail_[At(position)];
   }
 
   // The last pass: the first convex corner of the three, by position.
-  void ClipLast(std::vector<FacetTriangle>& clipped) {
-    int first = 0;
+  void ClipLast(std::vector<FacetTriangle>& clipped, Integer& corner_count) {
     for (int i = 1; i <= n_; ++i) {
       if (C(i).alive && Convex(i)) {
-        first = i;
-        break;
+        const int p = C(i).prev, q = C(i).next;
+        return Record(clipped, P(p), P(i), P(q),
+                      (P(p).cut ? 0 : 1) + (P(i).cut ? 0 : 2) + (P(q).cut ? 0 : 4));
       }
     }
-    if (first == 0) first = StaleChoice();
-    const int p = C(first).prev, q = C(first).next;
-    Record(clipped, p, first, q, (P(p).cut ? 0 : 1) + (P(first).cut ? 0 : 2) + (P(q).cut ? 0 : 4));
+    ClipStale(clipped, corner_count);
   }
 
-  void Record(std::vector<FacetTriangle>& clipped, int p, int b, int q, Long bits) {
+  void Record(std::vector<FacetTriangle>& clipped, const FacetPoint& p, const FacetPoint& b,
+              const FacetPoint& q, Long bits) {
     FacetTriangle t;
-    t.corner[0] = P(p).corner;
-    t.corner[1] = P(b).corner;
-    t.corner[2] = P(q).corner;
+    t.corner[0] = p.corner;
+    t.corner[1] = b.corner;
+    t.corner[2] = q.corner;
     t.edge_flags = bits;
     clipped.push_back(t);
   }
@@ -351,15 +343,13 @@ class FastClipper {
   int chosen_rank_ = 0;
   Single chosen_diagonal_ = 0, chosen_candidate0_ = 0, chosen_candidate3_ = 0;
   std::vector<FacetPoint> point_;  // 1..n, updated as the ring changes
+  std::vector<FacetPoint> tail_;   // entries past the ring's end, by position
   std::vector<Corner> corner_;
   std::vector<std::vector<int>> watchers_;  // corners blocked by each point
   std::priority_queue<HeapEntry> heap_;
   int zero_diagonals_ = 0;  // live convex corners whose diagonal has length 0
-  double lo_x_ = 0, lo_y_ = 0, cell_ = 1;
-  double extent_ = 0;  // the longer side of the ring's bounding box
-  int columns_ = 1, rows_ = 1;
-  std::vector<int> start_;  // per cell, its first entry in items_
-  std::vector<int> items_;
+  double extent_ = 0;       // the longer side of the ring's bounding box
+  PointGrid grid_;          // the live corners
 };
 
 }  // namespace

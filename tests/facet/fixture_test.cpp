@@ -4,9 +4,6 @@
 // tessEndPoly reports for a self-intersecting or degenerate ring); a simple
 // ring must come out as n - 2 triangles that cover it exactly, turn like it,
 // and flag exactly its border edges.
-//
-// Each executable takes the fixtures whose outer ring has more than
-// FACET_ABOVE_CORNERS and at most FACET_UP_TO_CORNERS corners.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -52,15 +49,12 @@ OuterRing ReadOuterRing(const std::filesystem::path& file) {
   return ring;
 }
 
-// The fixtures of this executable, by name.
+// The fixtures, by name.
 std::vector<std::string> FixtureNames() {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(kFixtureDir)) {
     if (entry.path().extension() != ".json") continue;
-    const auto n = ReadOuterRing(entry.path()).corners.size();
-    if (n > FACET_ABOVE_CORNERS && n <= FACET_UP_TO_CORNERS) {
-      names.push_back(entry.path().stem().string());
-    }
+    names.push_back(entry.path().stem().string());
   }
   std::sort(names.begin(), names.end());
   return names;
