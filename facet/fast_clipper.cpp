@@ -7,7 +7,7 @@
 //   changed: the two corners beside the clipped one get new neighbours, the
 //   next corner out on either side reads the new diagonal's stored length, and
 //   corners that were blocked only by the clipped corner may become ears;
-// - "does a ring point lie in this triangle" is asked of a grid, near the
+// - "does a ring point lie in this triangle" is asked of a k-d tree, near the
 //   triangle only, with a margin that covers the rounding of the inside test;
 // - the best ear comes from a heap ordered by score, then corner.
 // - a pass without an ear clips at the position chosen last once more, with
@@ -24,9 +24,9 @@
 #include <vector>
 
 #include "common/runtime_error.h"
+#include "facet/corner_index.h"
 #include "facet/facet_math.h"
 #include "facet/facetter.h"
-#include "facet/point_grid.h"
 
 namespace quelo {
 
@@ -112,7 +112,7 @@ class FastClipper {
     rank_tree_.assign(At(n_) + 1, 0);
     for (int i = 1; i <= n_; ++i) RankAdd(i, 1);
     extent_ = std::max(hi_x - lo_x, hi_y - lo_y);
-    grid_.Build(point_, n_);
+    index_.Build(point_, n_);
     watchers_.assign(At(n_) + 1, {});
     tail_.assign(At(n_) + 1, FacetPoint{});
     for (int i = 1; i <= n_; ++i) Evaluate(i);
@@ -147,7 +147,7 @@ class FastClipper {
       return 0;
     }
     const double margin = (3 * relative + 0x1p-16) * size + 0x1p-40;
-    return grid_.Find({pa.x, pa.y}, {pb.x, pb.y}, {pc.x, pc.y}, margin, inside);
+    return index_.Find({pa.x, pa.y}, {pb.x, pb.y}, {pc.x, pc.y}, margin, inside);
   }
 
   // ---- Corner state ------------------------------------------------------
@@ -257,7 +257,7 @@ class FastClipper {
     cr.alive = false;
     cr.ear = false;
     RankAdd(r, -1);
-    grid_.Remove(r);
+    index_.Remove(r);
     const int p = cr.prev, q = cr.next;
     C(p).next = q;
     C(q).prev = p;
@@ -349,7 +349,7 @@ class FastClipper {
   std::priority_queue<HeapEntry> heap_;
   int zero_diagonals_ = 0;  // live convex corners whose diagonal has length 0
   double extent_ = 0;       // the longer side of the ring's bounding box
-  PointGrid grid_;          // the live corners
+  CornerIndex index_;       // the live corners
 };
 
 }  // namespace
