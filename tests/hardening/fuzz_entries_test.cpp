@@ -17,27 +17,18 @@ namespace {
 using testing::ReadAll;
 using testing::TempDir;
 
-enum class Door { kDecoder, kContainer, kScene };
+using Door = void (*)(const std::string& path, const std::uint8_t* data, std::size_t size);
+
+void LoadWithEveryMarking(const std::string& path, const std::uint8_t* data, std::size_t size) {
+  for (long marking = 0; marking <= 4; ++marking) fuzz::LoadSceneBytes(path, data, size, marking);
+}
 
 void Replay(Door door, const std::string& input) {
   SCOPED_TRACE(input);
   TempDir dir;
   ASSERT_TRUE(std::filesystem::is_regular_file(input));
   const auto bytes = ReadAll(input);
-  const std::string path = dir.File("input.qgl");
-  switch (door) {
-    case Door::kDecoder:
-      fuzz::DecodeStreamBytes(path, bytes.data(), bytes.size());
-      break;
-    case Door::kContainer:
-      fuzz::LocateInBytes(path, bytes.data(), bytes.size());
-      break;
-    case Door::kScene:
-      for (long marking = 0; marking <= 4; ++marking) {
-        fuzz::LoadSceneBytes(path, bytes.data(), bytes.size(), marking);
-      }
-      break;
-  }
+  door(dir.File("input.qgl"), bytes.data(), bytes.size());
 }
 
 std::vector<std::string> FilesIn(const std::string& folder) {
@@ -51,16 +42,16 @@ std::vector<std::string> FilesIn(const std::string& folder) {
 const std::string kSeeds = QUELO_SOURCE_DIR "/fuzz/corpus/";
 
 TEST(FuzzSeeds, PassEveryEntryPoint) {
-  for (const auto& f : FilesIn(kSeeds + "decoder")) Replay(Door::kDecoder, f);
+  for (const auto& f : FilesIn(kSeeds + "decoder")) Replay(fuzz::DecodeStreamBytes, f);
   for (const char* target : {"container", "scene"}) {
     for (const auto& f : FilesIn(kSeeds + target)) {
-      Replay(Door::kContainer, f);
-      Replay(Door::kScene, f);
+      Replay(fuzz::LocateInBytes, f);
+      Replay(LoadWithEveryMarking, f);
     }
   }
   for (const char* example : {"example.qgl", "demo.qgl"}) {
-    Replay(Door::kContainer, QUELO_SOURCE_DIR "/examples/" + std::string(example));
-    Replay(Door::kScene, QUELO_SOURCE_DIR "/examples/" + std::string(example));
+    Replay(fuzz::LocateInBytes, QUELO_SOURCE_DIR "/examples/" + std::string(example));
+    Replay(LoadWithEveryMarking, QUELO_SOURCE_DIR "/examples/" + std::string(example));
   }
 }
 
