@@ -277,31 +277,5 @@ TEST(RecordReader, EveryTruncationYieldsAPrefixOfTheRecords) {
   EXPECT_EQ(previous, full.size());
 }
 
-// Garbage after a valid head never hangs the reader and never makes it read
-// a record outside the file.
-TEST(RecordReader, ArbitraryBytesEndInBoundedSteps) {
-  TempDir dir;
-  std::uint32_t seed = 12345;
-  auto next = [&seed] {
-    seed = seed * 1664525u + 1013904223u;
-    return seed >> 8;
-  };
-  for (int round = 0; round < 200; ++round) {
-    auto b = Framed();
-    const int longs = static_cast<int>(next() % 64);
-    for (int i = 0; i < longs; ++i) {
-      // Mostly small codes and lengths so that records get decoded.
-      const std::uint32_t r = next();
-      b.L(r % 4 == 0 ? static_cast<Long>(next()) : static_cast<Long>(r % 40) - 4);
-    }
-    const auto d = DecodeBytes(dir, b.data());
-    ASSERT_LT(d.records.size(), 100000u);
-    for (const Record& r : d.records) {
-      ASSERT_GE(r.position, kFirst);
-      ASSERT_LE(static_cast<std::size_t>(r.position) + 7, b.size());
-    }
-  }
-}
-
 }  // namespace
 }  // namespace quelo

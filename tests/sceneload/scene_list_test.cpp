@@ -87,20 +87,18 @@ TEST_F(SceneList, ViewsAreCompiledInTheOrderTwoOneThreeAndReusedUnlessReloading)
                               "glVertex3f(4, 4, 4)", "glEndList()"}));
 }
 
+// Which block vertices each menu state draws is checked on the demo through
+// qgl trace (tests/trace); here the boxes and the switches left behind.
 TEST_F(SceneList, AxesAndGridsFollowTheirMenuItems) {
   const auto file = WriteScene(dir.File("ag.qgl"), {{2, false, 1, true, true}});
   const Lines plain = Build(file, true, false, false);
-  EXPECT_EQ(Box(), (RoomBoxValues{1, 1, 1, 1, 1, 1}));
   EXPECT_EQ(std::count(plain.begin(), plain.end(), "glVertex3f(100, 0, 0)"), 0);
+  EXPECT_EQ(Box(), (RoomBoxValues{1, 1, 1, 1, 1, 1}));
   // Both blocks were disabled (0, 1); enabling 1 (the last entry) keeps it,
   // enabling 0 copies 1 over it.
   EXPECT_EQ(ctrl.DisabledBlocks(), (std::vector<Long>{1, 1}));
-
-  const Lines axes = Build(file, true, true, false);
-  EXPECT_EQ(std::count(axes.begin(), axes.end(), "glVertex3f(100, 0, 0)"), 1);
-  EXPECT_EQ(std::count(axes.begin(), axes.end(), "glVertex3f(0, -50, 0)"), 0);
+  Build(file, true, true, false);
   EXPECT_EQ(Box(), (RoomBoxValues{1, 100, 0, 1, 0, 1}));
-
   // The next load empties the list again.
   Build(file, true, true, true);
   EXPECT_EQ(Box(), (RoomBoxValues{0, 100, -50, 1, 0, 1}));
@@ -115,9 +113,6 @@ TEST_F(SceneList, CullingSwitchesPairUpAndCarryOverMissingViews) {
             (Lines{"glGenLists(1)", "glNewList(1, GL_COMPILE)", "glVertex3f(2, 2, 2)",
                    "glEnable(GL_CULL_FACE)", "glVertex3f(1, 1, 1)", "glDisable(GL_CULL_FACE)",
                    "glEnable(GL_CULL_FACE)", "glDisable(GL_CULL_FACE)", "glEndList()"}));
-  // Without the bit anywhere: no switch at all.
-  const auto plain = WriteScene(dir.File("nc.qgl"), {{3, false, 1}});
-  for (const std::string& line : Build(plain)) EXPECT_EQ(line.find("CULL"), std::string::npos);
 }
 
 TEST_F(SceneList, EmptyForeignMissingOrNoFile) {
