@@ -32,22 +32,17 @@ void Replay(Door door, const std::string& input) {
   door(dir.File("input.qgl"), bytes.data(), bytes.size());
 }
 
-std::vector<std::string> FilesIn(const std::string& folder) {
-  std::vector<std::string> files;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    if (entry.is_regular_file()) files.push_back(entry.path().string());
-  }
-  return files;
+// The files of a seed folder.
+std::filesystem::directory_iterator Seeds(const std::string& target) {
+  return std::filesystem::directory_iterator(QUELO_SOURCE_DIR "/fuzz/corpus/" + target);
 }
 
-const std::string kSeeds = QUELO_SOURCE_DIR "/fuzz/corpus/";
-
 TEST(FuzzSeeds, PassEveryEntryPoint) {
-  for (const auto& f : FilesIn(kSeeds + "decoder")) Replay(fuzz::DecodeStreamBytes, f);
+  for (const auto& f : Seeds("decoder")) Replay(fuzz::DecodeStreamBytes, f.path());
   for (const char* target : {"container", "scene"}) {
-    for (const auto& f : FilesIn(kSeeds + target)) {
-      Replay(fuzz::LocateInBytes, f);
-      Replay(LoadWithEveryMarking, f);
+    for (const auto& f : Seeds(target)) {
+      Replay(fuzz::LocateInBytes, f.path());
+      Replay(LoadWithEveryMarking, f.path());
     }
   }
   for (const char* example : {"example.qgl", "demo.qgl"}) {
