@@ -29,14 +29,10 @@ TEST(BinaryFile, PositionsAreOneBasedAndFieldsLittleEndian) {
     f->WriteFixed("KIVO", 4);
     EXPECT_EQ(f->Position(), 1 + 4 + 2 + 4 + 8 + 4);
   }
-  const auto bytes = ReadAll(path);
-  ASSERT_EQ(bytes.size(), 22u);
-  EXPECT_EQ(bytes[0], 1);
-  EXPECT_EQ(bytes[3], 4);
-  EXPECT_EQ(bytes[4], 0xFE);
-  EXPECT_EQ(bytes[5], 0xFF);
-  EXPECT_EQ(std::string(bytes.begin() + 18, bytes.end()), "KIVO");
-
+  // 0x04030201, -2 (2 bytes), 1.5f, -0.25, "KIVO".
+  EXPECT_EQ(ReadAll(path),
+            (std::vector<unsigned char>{1, 2, 3, 4, 0xFE, 0xFF, 0,    0,   0xC0, 0x3F, 0,
+                                        0, 0, 0, 0, 0,    0xD0, 0xBF, 'K', 'I',  'V',  'O'}));
   auto f = BinaryFile::Open(path, BinaryFile::Access::kRead);
   f->Seek(5);
   EXPECT_EQ(f->ReadInteger(), -2);

@@ -1,24 +1,24 @@
-#include "support/recorded_messages.h"
-
 #include <gtest/gtest.h>
+
+#include <tuple>
+
+#include "support/recorded_messages.h"
 
 namespace quelo {
 namespace {
 
-TEST(Messages, WarningBoxDefaultsItsTitle) {
-  ScopedRecordedMessages rec;
-  WarningBox("File Empty!");
-  WarningBox("x", "Own");
-  MsgBox("Error in InitRC");
-  ASSERT_EQ(rec.boxes().entries.size(), 3u);
-  EXPECT_EQ(rec.boxes().entries[0].title, "Warning:");
-  EXPECT_EQ(rec.boxes().entries[0].icon, MessageIcon::kExclamation);
-  EXPECT_EQ(rec.boxes().entries[1].title, "Own");
-  EXPECT_EQ(rec.boxes().entries[2].title, "");
-  EXPECT_EQ(rec.boxes().entries[2].icon, MessageIcon::kNone);
-}
-
-TEST(Messages, StderrBoxPrintsOneLine) {
+TEST(Messages, WarningBoxDefaultsItsTitleAndTheStderrBoxPrintsOneLine) {
+  {
+    ScopedRecordedMessages rec;
+    WarningBox("File Empty!");
+    WarningBox("x", "Own");
+    MsgBox("Error in InitRC");
+    std::vector<std::tuple<std::string, std::string, MessageIcon>> shown;
+    for (const auto& e : rec.boxes().entries) shown.emplace_back(e.text, e.title, e.icon);
+    EXPECT_EQ(shown, (decltype(shown){{"File Empty!", "Warning:", MessageIcon::kExclamation},
+                                      {"x", "Own", MessageIcon::kExclamation},
+                                      {"Error in InitRC", "", MessageIcon::kNone}}));
+  }
   ::testing::internal::CaptureStderr();
   MsgBox("Error in tessEndPoly");
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "message: Error in tessEndPoly\n");

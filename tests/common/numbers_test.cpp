@@ -1,19 +1,20 @@
 #include "common/numbers.h"
-#include "support/error_of.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 
 #include "common/colour.h"
 #include "common/runtime_error.h"
+#include "support/error_of.h"
 
 namespace quelo {
 namespace {
 
 using quelo::testing::ErrorOf;
 
-TEST(Numbers, ConversionsRoundHalfToEven) {
+TEST(Numbers, ConversionsRoundHalfToEvenAndRaiseOverflowOutOfRange) {
   EXPECT_EQ(CInt(0.5), 0);
   EXPECT_EQ(CInt(1.5), 2);
   EXPECT_EQ(CInt(2.5), 2);
@@ -21,9 +22,6 @@ TEST(Numbers, ConversionsRoundHalfToEven) {
   EXPECT_EQ(CInt(-3.5), -4);
   EXPECT_EQ(CInt(2.4999), 2);
   EXPECT_EQ(CLng(1e9 + 0.5), 1000000000);
-}
-
-TEST(Numbers, ConversionsOutOfRangeRaiseOverflow) {
   EXPECT_EQ(CInt(32767.4), 32767);
   EXPECT_EQ(ErrorOf([] { CInt(32767.5); }), kErrOverflow);
   EXPECT_EQ(CInt(-32768.5), -32768);  // halves to even: -32768
@@ -32,16 +30,13 @@ TEST(Numbers, ConversionsOutOfRangeRaiseOverflow) {
   EXPECT_EQ(ErrorOf([] { CLng(NAN); }), kErrOverflow);
 }
 
-TEST(Numbers, IntegerArithmeticIsOverflowChecked) {
+TEST(Numbers, ArithmeticRaisesItsRuntimeErrors) {
   EXPECT_EQ(IntAdd(32000, 767), 32767);
   EXPECT_EQ(ErrorOf([] { IntAdd(32000, 768); }), kErrOverflow);
   EXPECT_EQ(ErrorOf([] { IntSub(-32768, 1); }), kErrOverflow);
   EXPECT_EQ(ErrorOf([] { IntMul(256, 128); }), kErrOverflow);
   EXPECT_EQ(ErrorOf([] { LongAdd(2147483647, 1); }), kErrOverflow);
   EXPECT_EQ(LongSub(-2147483647, 1), -2147483647 - 1);
-}
-
-TEST(Numbers, FloatingFaultsAreRuntimeErrors) {
   EXPECT_EQ(ErrorOf([] { DivSingle(1.0f, 0.0f); }), kErrDivisionByZero);
   EXPECT_EQ(ErrorOf([] { DivSingle(0.0f, 0.0f); }), kErrOverflow);
   EXPECT_EQ(ErrorOf([] { DivSingle(3e38f, 1e-3f); }), kErrOverflow);
@@ -60,23 +55,17 @@ TEST(Numbers, RoundDownGoesTowardsMinusInfinity) {
   EXPECT_DOUBLE_EQ(RoundDown(1.0, 400), RoundDown(1.0, 305));
 }
 
+// Low, middle and high byte, each divided by 255 in double precision and
+// stored as a Single; a negative colour keeps the dividend's sign (-1 mod 256
+// is -1, -1 div 256 is 0).
 TEST(Colour, SplitTakesLowMiddleHighByte) {
-  const auto c = SplitColour(0x00FF8000);
-  EXPECT_FLOAT_EQ(c.red, 0.0f);
-  EXPECT_FLOAT_EQ(c.green, 128.0f / 255.0f);
-  EXPECT_FLOAT_EQ(c.blue, 1.0f);
-  const auto w = SplitColour(0x00FFFFFF);
-  EXPECT_EQ(w.red, 1.0f);
-  EXPECT_EQ(w.green, 1.0f);
-  EXPECT_EQ(w.blue, 1.0f);
-}
-
-TEST(Colour, NegativeColoursKeepTheDividendsSign) {
-  // -1 mod 256 = -1, -1 div 256 = 0.
-  const auto c = SplitColour(-1);
-  EXPECT_FLOAT_EQ(c.red, -1.0f / 255.0f);
-  EXPECT_EQ(c.green, 0.0f);
-  EXPECT_EQ(c.blue, 0.0f);
+  auto rgb = [](Long c) {
+    const auto s = SplitColour(c);
+    return std::array<Single, 3>{s.red, s.green, s.blue};
+  };
+  EXPECT_EQ(rgb(0x00FF8000), (std::array<Single, 3>{0, static_cast<Single>(128 / 255.0), 1}));
+  EXPECT_EQ(rgb(0x00FFFFFF), (std::array<Single, 3>{1, 1, 1}));
+  EXPECT_EQ(rgb(-1), (std::array<Single, 3>{static_cast<Single>(-1 / 255.0), 0, 0}));
 }
 
 }  // namespace

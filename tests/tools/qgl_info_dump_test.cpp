@@ -33,7 +33,7 @@ RunResult RunQgl(const std::string& args) {
   return {testing::RunCommand(Quoted(QGL_BINARY) + " " + args)};
 }
 
-int Lines(const std::string& s) {
+int LineCount(const std::string& s) {
   return static_cast<int>(std::count(s.begin(), s.end(), '\n'));
 }
 
@@ -43,6 +43,21 @@ int Lines(const std::string& s) {
 std::string Whole(const std::string& streamed) {
   return nlohmann::json::parse(streamed).dump(2) + "\n";
 }
+
+// Each record of a stream as "position op length action name args", or with
+// the number of arguments in place of their values.
+std::vector<std::string> Records(const nlohmann::json& stream, bool values = true) {
+  std::vector<std::string> out;
+  for (const auto& r : stream["records"]) {
+    out.push_back(r["position"].dump() + " " + r["op"].dump() + " " + r["length"].dump() + " " +
+                  r["action"].get<std::string>() + " " + r["name"].get<std::string>() + " " +
+                  (values ? r["args"].dump() : std::to_string(r["args"].size())));
+    EXPECT_EQ(r.size(), 6u) << r;  // no other keys
+  }
+  return out;
+}
+
+using Lines = std::vector<std::string>;
 
 // A file with one view of `kind` whose GL chunk body is `stream` as it stands.
 std::string SaveView(const TempDir& dir, const Bytes& stream, Long kind = 1) {
@@ -64,10 +79,14 @@ TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
   const auto j = r.Json();
   EXPECT_EQ(j["header"]["magic"], "KIVO");
   EXPECT_EQ(j["header"]["version"], 4);
+  EXPECT_EQ(j["chain_end"], "end_of_file");
   ASSERT_EQ(j["chunks"].size(), 6u);
   EXPECT_EQ(j["chunks"][0]["position"], 37);
   EXPECT_EQ(j["chunks"][0]["tag"], "PIFC");
-  EXPECT_EQ(j["chain_end"], "end_of_file");
+  // Each chunk's next is the following chunk's position.
+  for (std::size_t i = 0; i + 1 < j["chunks"].size(); ++i) {
+    EXPECT_EQ(j["chunks"][i]["next"], j["chunks"][i + 1]["position"]);
+  }
   ASSERT_EQ(j["views"].size(), 3u);
   for (int kind = 1; kind <= 3; ++kind) {
     const auto& v = j["views"][kind - 1];
@@ -79,10 +98,6 @@ TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
   }
   EXPECT_EQ(j["views"][1]["pi_tag"], "PIAR");
   EXPECT_EQ(j["views"][1]["gl_tag"], "GLAR");
-  // Each chunk's next is the following chunk's position.
-  for (std::size_t i = 0; i + 1 < j["chunks"].size(); ++i) {
-    EXPECT_EQ(j["chunks"][i]["next"], j["chunks"][i + 1]["position"]);
-  }
   const auto text = RunQgl("info " + Quoted(kExample));
   EXPECT_EQ(text.status, 0);
   EXPECT_NE(text.out.find("\"GLA3\""), std::string::npos);
@@ -91,35 +106,32 @@ TEST(QglInfo, ReportsHeaderChunksAndViewsOfTheExample) {
 
 TEST(QglTool, ForeignMissingAndMisusedFilesGetTheirExitStatus) {
   TempDir dir;
-  const std::string foreign = dir.File("foreign.qgl");
+  const std::string foreign = dir.File("foreign.qgl"), missing = dir.File("missing.qgl");
   testing::WriteAll(foreign, {'P', 'K', 3, 4, 0, 0, 0, 0});
-  for (const char* cmd : {"info", "dump"}) {
+  for (const std::string cmd : {"info ", "dump "}) {
     SCOPED_TRACE(cmd);
-    const auto r = RunQgl(std::string(cmd) + " " + Quoted(foreign));
-    EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(r.out, "");
-    EXPECT_EQ(Lines(r.err), 1);
-    EXPECT_NE(r.err.find(foreign), std::string::npos);
-    EXPECT_NE(r.err.find("not a scene file"), std::string::npos);
-
-    const std::string missing = dir.File("missing.qgl");
-    const auto m = RunQgl(std::string(cmd) + " " + Quoted(missing));
-    EXPECT_EQ(m.status, 2);
-    EXPECT_EQ(Lines(m.err), 1);
-    EXPECT_NE(m.err.find(missing), std::string::npos);
-
-    const auto folder = RunQgl(std::string(cmd) + " " + Quoted(dir.path().string()));
-    EXPECT_EQ(folder.status, 2);
-
-    EXPECT_EQ(RunQgl(cmd).status, 2);  // no FILE
-    EXPECT_EQ(RunQgl(std::string(cmd) + " --bogus " + Quoted(kExample)).status, 2);
-    const auto help = RunQgl(std::string(cmd) + " --help");
+    // Nothing on stdout, one line on stderr that names the file.
+    for (const auto& [path, status] : {std::pair{foreign, 1}, std::pair{missing, 2}}) {
+      const auto r = RunQgl(cmd + Quoted(path));
+      EXPECT_EQ(r.status, status);
+      EXPECT_EQ(r.out, "");
+      EXPECT_EQ(LineCount(r.err), 1);
+      EXPECT_NE(r.err.find(path), std::string::npos);
+      EXPECT_EQ(r.err.find("not a scene file") != std::string::npos, status == 1) << r.err;
+    }
+    // A folder, no FILE, an unknown option.
+    for (const std::string& bad :
+         {Quoted(dir.path().string()), std::string(), "--bogus " + Quoted(kExample)}) {
+      EXPECT_EQ(RunQgl(cmd + bad).status, 2) << bad;
+    }
+    const auto help = RunQgl(cmd + "--help");
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("--json"), std::string::npos);
   }
-  EXPECT_EQ(RunQgl("").status, 2);
-  EXPECT_EQ(RunQgl("frobnicate x").status, 2);
-  EXPECT_EQ(RunQgl("dump --kind 4 " + Quoted(kExample)).status, 2);
+  for (const std::string& bad :
+       {std::string(), std::string("frobnicate x"), "dump --kind 4 " + Quoted(kExample)}) {
+    EXPECT_EQ(RunQgl(bad).status, 2) << bad;
+  }
   const auto help = RunQgl("--help");
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("info"), std::string::npos);
@@ -139,35 +151,27 @@ TEST(QglDump, ListsEveryRecordOfEachStreamAsTheDecoderSeesIt) {
     const Long position = s["position"];
     EXPECT_EQ(position, KIVO_GLMapFile::LocateStream(kExample, s["kind"], info));
     EXPECT_EQ(s["form"], "framed");
-    const auto decoded = testing::DecodeFile(kExample, position);
-    ASSERT_EQ(s["records"].size(), decoded.records.size());
-    for (std::size_t i = 0; i < decoded.records.size(); ++i) {
-      const auto& rec = s["records"][i];
-      const Record& want = decoded.records[i];
-      ASSERT_EQ(rec["position"], want.position);
-      ASSERT_EQ(rec["op"], want.op);
-      ASSERT_EQ(rec["length"], want.length);
-      ASSERT_EQ(rec["name"], std::string(want.spec()->method));
-      ASSERT_EQ(rec["args"].size(), want.ArgCount());
+    std::vector<std::string> want;
+    for (const Record& w : testing::DecodeFile(kExample, position).records) {
+      want.push_back(std::to_string(w.position) + " " + std::to_string(w.op) + " " +
+                     std::to_string(w.length) + " " + RecordActionName(w.action) + " " +
+                     std::string(w.spec()->method) + " " + std::to_string(w.ArgCount()));
     }
+    EXPECT_EQ(Records(s, false), want);
     EXPECT_EQ(s["records"].back()["action"], "stop");
   }
-  // A vertex's arguments come out as the numbers written.
-  const auto& first = j["streams"][0]["records"];
-  const auto vertex = std::find_if(first.begin(), first.end(),
-                                   [](const auto& rec) { return rec["name"] == "oglVertex3f"; });
-  ASSERT_NE(vertex, first.end());
-  EXPECT_EQ((*vertex)["args"], nlohmann::json::parse("[0, 0, 0]"));
-  const auto colour = std::find_if(first.begin(), first.end(),
-                                   [](const auto& rec) { return rec["name"] == "oglColor3f"; });
-  ASSERT_NE(colour, first.end());
-  EXPECT_EQ((*colour)["args"], nlohmann::json::parse("[0.6, 0.6, 0.6]"));
+  // A vertex's and a colour's arguments come out as the numbers written.
+  const Lines first = Records(j["streams"][0]);
+  for (const std::string want : {" oglVertex3f [0.0,0.0,0.0]", " oglColor3f [0.6,0.6,0.6]"}) {
+    EXPECT_TRUE(std::any_of(first.begin(), first.end(), [&](const std::string& line) {
+      return line.ends_with(want);
+    })) << want;
+  }
 
-  const auto only_text = RunQgl("dump --json --kind 2 " + Quoted(kExample)).out;
-  EXPECT_EQ(only_text, Whole(only_text));
-  const auto only = nlohmann::json::parse(only_text);
-  ASSERT_EQ(only["streams"].size(), 1u);
-  EXPECT_EQ(only["streams"][0]["kind"], 2);
+  const auto only = RunQgl("dump --json --kind 2 " + Quoted(kExample));
+  EXPECT_EQ(only.out, Whole(only.out));
+  ASSERT_EQ(only.Json()["streams"].size(), 1u);
+  EXPECT_EQ(only.Json()["streams"][0]["kind"], 2);
   const auto text = RunQgl("dump --kind 3 " + Quoted(kExample));
   EXPECT_EQ(text.status, 0);
   EXPECT_NE(text.out.find("oglMaterialfv(1032, 5634, 0.8, 0.8, 0.8, 1)"), std::string::npos);
@@ -184,29 +188,22 @@ TEST(QglDump, ShowsSkipsStopsAndFormsOfDamagedStreams) {
   framed.L(4).L(12).S(1).S(2).S(3);
   framed.L(9).L(-4);  // negative length: stop
   framed.L(2).L(0);
-  auto j = RunQgl("dump --json " + Quoted(SaveView(dir, framed))).Json();
-  auto recs = j["streams"][0]["records"];
-  ASSERT_EQ(recs.size(), 5u);
-  EXPECT_EQ(recs[0]["action"], "skip");
-  EXPECT_EQ(recs[0]["name"], "oglBegin");
-  EXPECT_EQ(recs[0]["args"].size(), 0u);
-  EXPECT_EQ(recs[1]["name"], "unknown");
-  EXPECT_EQ(recs[2]["action"], "skip");
-  EXPECT_EQ(recs[3]["action"], "play");
-  EXPECT_EQ(recs[3]["position"], recs[2]["position"].template get<int>() + 12);
-  EXPECT_EQ(recs[4]["action"], "stop");
-  EXPECT_EQ(recs[4]["length"], -4);
+  // The view's stream starts at 315 (file header, PI chunk with a 206-byte
+  // body, GL chunk header), its framed records 756 bytes later.
+  const std::string framed_path = SaveView(dir, framed);
+  EXPECT_EQ(Records(RunQgl("dump --json " + Quoted(framed_path)).Json()["streams"][0]),
+            (Lines{"1071 1 8 skip oglBegin []", "1087 77 0 skip unknown []",
+                   "1095 0 4 skip FilePutEndOfSeq []", "1107 4 12 play oglVertex3f [1.0,2.0,3.0]",
+                   "1127 9 -4 stop oglEdgeFlag []"}));
 
   Bytes unframed;
   unframed.L(1).L(1).L(15).L(4).S(5).S(6).S(7).L(2).L(0);
-  j = RunQgl("dump --json " + Quoted(SaveView(dir, unframed, 2))).Json();
+  auto j = RunQgl("dump --json " + Quoted(SaveView(dir, unframed, 2))).Json();
   EXPECT_EQ(j["streams"][0]["form"], "unframed");
-  recs = j["streams"][0]["records"];
-  ASSERT_EQ(recs.size(), 5u);
-  EXPECT_EQ(recs[1]["op"], 15);
-  EXPECT_EQ(recs[1]["action"], "skip");
-  EXPECT_EQ(recs[1]["length"], -1);
-  EXPECT_EQ(recs[2]["args"], nlohmann::json::parse("[5, 6, 7]"));
+  EXPECT_EQ(Records(j["streams"][0]),
+            (Lines{"315 1 -1 play oglBegin [1]", "323 15 -1 skip auxPutBlockBegin []",
+                   "327 4 -1 play oglVertex3f [5.0,6.0,7.0]", "343 2 -1 play oglEnd []",
+                   "347 0 -1 stop FilePutEndOfSeq []"}));
 
   const auto none = RunQgl("dump --json " + Quoted(SaveView(dir, Bytes().L(-5).L(2).L(0), 3)));
   EXPECT_EQ(none.out, Whole(none.out));
