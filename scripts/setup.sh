@@ -12,6 +12,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth xdotool x11-utils shared-mime-info
+  python3-mapbox-earcut
 )
 
 missing=()
