@@ -77,14 +77,12 @@ void Facet(benchmark::State& state, const Ring& ring, bool fast) {
   quelo::PolygonBuffer polygon;
   quelo::Facetter facetter;
   for (auto _ : state) {
-    state.PauseTiming();
     polygon.vertices.Recreate(n);
     polygon.corner_count = static_cast<Integer>(n);
     for (Long i = 1; i <= n; ++i) {
       polygon.vertices(1, i) = ring[static_cast<std::size_t>(i - 1)].first;
       polygon.vertices(2, i) = ring[static_cast<std::size_t>(i - 1)].second;
     }
-    state.ResumeTiming();
     if (fast) {
       facetter.Run(polygon);
     } else {

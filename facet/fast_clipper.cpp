@@ -40,6 +40,7 @@ constexpr double kMinTriangleSize = 0x1p-90;
 constexpr double kEpsilon = 0x1p-24;
 // Above this relative rounding of the inside test, every point is tested.
 constexpr double kMaxRelativeError = 0.25;
+constexpr int kWalkedRingSize = 24;
 
 // Thrown inside the fast clipper where it cannot vouch for the answer.
 struct Decline {};
@@ -140,7 +141,8 @@ class FastClipper {
       // every point of the ring, or the straightforward clipper might fault.
       if (4 * size * (extent_ + 1) / std::abs(double{det}) > 0x1p120) throw Decline{};
     }
-    if (relative > kMaxRelativeError) {
+    // Small rings are quicker to walk than to look up.
+    if (relative > kMaxRelativeError || size_ <= kWalkedRingSize) {
       for (int d = C(a).next; d != a; d = C(d).next) {
         if (inside(d)) return d;
       }
